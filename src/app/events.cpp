@@ -1,0 +1,128 @@
+#include "app/events.h"
+
+#include "app/game_state.h"
+#include "app/input.h"
+#include "common/log.h"
+#include "menus/credits.h"
+#include "menus/main_menu.h"
+#include "menus/settings_screen.h"
+
+namespace {
+
+// The menus are laid out on a 1920 x 1080 canvas; map the pointer onto it so that a resized or
+// full-screen window still points where the player sees.
+sf::Vector2f MenuPointer(const sf::RenderWindow& window, int x, int y) {
+    return window.mapPixelToCoords({x, y}, window.getDefaultView());
+}
+
+void MenuMouseMoved(const sf::RenderWindow& window, const sf::Event& event) {
+    sf::Vector2f pointer = MenuPointer(window, event.mouseMove.x, event.mouseMove.y);
+    switch (GetMenuScreen()) {
+        case MENU_SCREEN_LIST:
+            HoverMenuButtons(pointer);
+            break;
+        case MENU_SCREEN_SETTINGS:
+            SettingsMouseMoved(pointer);
+            break;
+        case MENU_SCREEN_CREDITS:
+            HoverCreditsReturn(pointer);
+            break;
+        default:
+            break;
+    }
+}
+
+void MenuMousePressed(sf::RenderWindow& window, const sf::Event& event) {
+    switch (GetMenuScreen()) {
+        case MENU_SCREEN_LIST: {
+            int entry = FirstHoveredMenuEntry();
+            if (event.mouseButton.button == sf::Mouse::Left && entry >= 0) {
+                ChooseMenuEntry(entry, window);
+            }
+            break;
+        }
+        case MENU_SCREEN_SETTINGS:
+            SettingsMousePressed(event);
+            break;
+        case MENU_SCREEN_CREDITS:
+            if (CreditsReturnHovered()) {
+                FreeCredits();
+                SetMenuScreen(MENU_SCREEN_LIST);
+            }
+            break;
+        default:
+            break;
+    }
+}
+
+void RouteMenuEvent(AppWindow& app, const sf::Event& event) {
+    bool onList = GetMenuScreen() == MENU_SCREEN_LIST;
+    switch (event.type) {
+        case sf::Event::KeyPressed:
+            SettingsKeyPressed(event);
+            break;
+        case sf::Event::MouseMoved:
+            MenuMouseMoved(*app.window, event);
+            break;
+        case sf::Event::MouseButtonPressed:
+            MenuMousePressed(*app.window, event);
+            break;
+        case sf::Event::JoystickButtonPressed:
+            if (onList && event.joystickButton.button == 0) {
+                ChooseMenuEntry(GetSelectedEntry(), *app.window);
+            }
+            break;
+        case sf::Event::JoystickMoved:
+            if (onList && event.joystickMove.axis == sf::Joystick::PovY) {
+                if (event.joystickMove.position < 0) MoveMenuSelection(+1);
+                if (event.joystickMove.position > 0) MoveMenuSelection(-1);
+            }
+            break;
+        default:
+            break;
+    }
+}
+
+void RouteJoystickConnection(const sf::Event& event) {
+    if (event.joystickConnect.joystickId != 0) return;
+    InputJoystickUpdate();
+    if (event.type == sf::Event::JoystickConnected) {
+        LogGamepadConnected();
+    } else {
+        Log("gamepad %d disconnected\n", 0);
+    }
+}
+
+bool IsJoystickEventOfOtherPad(const sf::Event& event) {
+    switch (event.type) {
+        case sf::Event::JoystickButtonPressed:
+        case sf::Event::JoystickButtonReleased:
+            return event.joystickButton.joystickId != 0;
+        case sf::Event::JoystickMoved:
+            return event.joystickMove.joystickId != 0;
+        default:
+            return false;
+    }
+}
+
+}  // namespace
+
+void PollEvents(AppWindow& app) {
+    sf::Event event;
+    while (app.window && app.window->isOpen() && InputPollEvent(*app.window, event)) {
+        if (event.type == sf::Event::Closed) {
+            app.window->close();
+            continue;
+        }
+        if (event.type == sf::Event::JoystickConnected ||
+            event.type == sf::Event::JoystickDisconnected) {
+            RouteJoystickConnection(event);
+            continue;
+        }
+        if (IsJoystickEventOfOtherPad(event)) continue;
+        if (GetGameState() == GAME_STATE_MENU) RouteMenuEvent(app, event);
+        if (event.type == sf::Event::KeyPressed && event.key.code == sf::Keyboard::F11) {
+            ToggleFullScreen(app);
+        }
+    }
+}

@@ -1,0 +1,97 @@
+#include "common/motion.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "common/ease.h"
+
+namespace {
+
+float StepAxis(float value, float target, float step) {
+    float difference = target - value;
+    if (step > std::fabs(difference)) return target;
+    return value + (difference > 0 ? step : -step);
+}
+
+sf::Uint8 FadeChannel(sf::Uint8 channel, sf::Uint8 target, float k) {
+    if (channel == target) return channel;
+    return sf::Uint8(int(k * float(channel) + (1.0f - k) * float(target)));
+}
+
+}  // namespace
+
+int MoveSpriteTowards(sf::Transformable& sprite, sf::Vector2f target, float speed, float dt,
+                      int straight) {
+    sf::Vector2f position = sprite.getPosition();
+    if (speed == 0) {
+        position = target;
+    } else if (straight) {
+        float step = speed * dt;
+        double dx = double(target.x) - position.x;
+        double dy = double(target.y) - position.y;
+        double distance = std::sqrt(dx * dx + dy * dy);
+        if (step > distance) {
+            position = target;
+        } else {
+            position.x += float(dx / distance * step);
+            position.y += float(dy / distance * step);
+        }
+    } else {
+        float step = speed * dt;
+        position = {StepAxis(position.x, target.x, step), StepAxis(position.y, target.y, step)};
+    }
+    sprite.setPosition(position);
+    return std::fabs(position.x - target.x) < 0.5f && std::fabs(position.y - target.y) < 0.5f;
+}
+
+int RotateSpriteTowards(sf::Transformable& sprite, float targetAngle, float speed, float dt) {
+    if (speed == 0) {
+        sprite.setRotation(targetAngle);
+    } else {
+        float step = speed * dt;
+        float difference = targetAngle - sprite.getRotation();
+        if (difference > 180) {
+            difference -= 360;
+        } else if (difference < -180) {
+            difference += 360;
+        }
+        if (step > std::fabs(difference)) {
+            sprite.setRotation(targetAngle);
+        } else {
+            sprite.rotate(difference > 0 ? step : -step);
+        }
+    }
+    return std::fabs(sprite.getRotation() - targetAngle) < 0.5f;
+}
+
+int FadeSpriteColor(sf::Sprite& sprite, sf::Color target, float dt, float rate) {
+    float k = std::exp(-rate * dt / 100.0f);
+    sf::Color color = sprite.getColor();
+    color.r = FadeChannel(color.r, target.r, k);
+    color.g = FadeChannel(color.g, target.g, k);
+    color.b = FadeChannel(color.b, target.b, k);
+    color.a = FadeChannel(color.a, target.a, k);
+    sprite.setColor(color);
+    return color == target;
+}
+
+int TweenShapeScale(sf::Transformable& shape, sf::Vector2f targetScale, float duration, float dt,
+                    Tween& tween) {
+    sf::Vector2f scale = shape.getScale();
+    if (!tween.started) {
+        tween.elapsed = 0;
+        tween.from = scale;
+        tween.duration = duration;
+        tween.started = 1;
+        tween.easing = EASE_CUBIC_IN_OUT;
+    }
+    if (targetScale.x == scale.x) tween.from.x = scale.x;
+    if (targetScale.y == scale.y) tween.from.y = scale.y;
+    if (duration == 0) shape.setScale(targetScale);
+    if (tween.elapsed >= tween.duration) return 1;
+    tween.elapsed += dt;
+    float progress = std::min(1.0f, tween.elapsed / tween.duration);
+    float eased = Ease(tween.easing, progress);
+    shape.setScale(tween.from + (targetScale - tween.from) * eased);
+    return progress >= 1 ? 1 : 0;
+}

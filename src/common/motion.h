@@ -1,0 +1,26 @@
+// Motion helpers: move, turn, fade or scale something towards a goal at a given speed. Each snaps
+// to the goal when less than one step remains, so nothing overshoots; each returns 1 at the goal.
+#pragma once
+
+#include <SFML/Graphics.hpp>
+
+// A running scale animation, owned by the caller and zeroed before first use.
+struct Tween {
+    float elapsed = 0;
+    float duration = 0;
+    int started = 0;
+    int easing = 0;
+    sf::Vector2f from;
+};
+
+// speed in pixels per second; 0 jumps. straight = 0 moves each axis on its own.
+int MoveSpriteTowards(sf::Transformable& sprite, sf::Vector2f target, float speed, float dt,
+                      int straight);
+// Degrees and degrees per second, the short way round; 0 jumps.
+int RotateSpriteTowards(sf::Transformable& sprite, float targetAngle, float speed, float dt);
+// Exponential approach of each channel; truncation can leave a rising channel one unit short, so
+// callers call again while the colour differs.
+int FadeSpriteColor(sf::Sprite& sprite, sf::Color target, float dt, float rate);
+// Eased scale change over a duration (cubic in-out).
+int TweenShapeScale(sf::Transformable& shape, sf::Vector2f targetScale, float duration, float dt,
+                    Tween& tween);

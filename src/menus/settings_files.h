@@ -1,0 +1,35 @@
+// The three volumes and nine key bindings, and the two plain-text files that keep them.
+#pragma once
+
+enum SoundCategory { SOUND_MASTER = 0, SOUND_MUSIC = 1, SOUND_EFFECTS = 2 };
+
+enum BindingAction {
+    BINDING_LEFT = 0,
+    BINDING_RIGHT = 1,
+    BINDING_DOWN = 2,
+    BINDING_JUMP = 3,
+    BINDING_PARRY = 4,
+    BINDING_DASH = 5,
+    BINDING_INTERACT = 6,
+    BINDING_HEAL = 7,
+    BINDING_CLOUD = 8,
+    BINDING_COUNT = 9,
+};
+
+constexpr const char* kSoundSettingsPath = "Assets/Settings/SoundSettings.txt";
+constexpr const char* kBindingSettingsPath = "Assets/Settings/BindingSettings.txt";
+
+struct SettingsValues {
+    int volumes[3] = {0, 0, 0};        // percent, by SoundCategory
+    int bindings[BINDING_COUNT] = {};  // key codes, by BindingAction
+};
+
+// The values in force for the whole program.
+SettingsValues& Settings();
+
+// Reading an unreadable file ends the program: the game cannot run without both files. A line
+// that does not match keeps its previous value, silently.
+void ReadSoundSettings();
+void ReadBindingSettings();
+// Writes the sound file, then the binding file.
+void WriteSettings();

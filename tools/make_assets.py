@@ -1,0 +1,43 @@
+#!/usr/bin/env python3
+"""Generate every content file of Ombrith Valkesh.
+
+    /usr/bin/python3 tools/make_assets.py [--out DIR]
+
+DIR defaults to the repository root. Output is deterministic: the same bytes on every run.
+Each generator module exposes generate(out: Path) -> list of written paths; add new ones to
+GENERATORS (the contact sheet runs last because it shows what the others wrote).
+"""
+import argparse
+import sys
+from pathlib import Path
+
+sys.dont_write_bytecode = True  # keep tools/ free of __pycache__
+sys.path.insert(0, str(Path(__file__).resolve().parent))
+
+from ovgen import contact_sheet, fonts, logos, menu_art  # noqa: E402
+
+ROOT = Path(__file__).resolve().parent.parent
+GENERATORS = [fonts, menu_art, logos, contact_sheet]
+
+
+def make_all(out):
+    """Run every generator into `out`; return the written files relative to it, sorted."""
+    out = Path(out)
+    written = []
+    for gen in GENERATORS:
+        written += gen.generate(out)
+    return sorted(p.relative_to(out).as_posix() for p in written)
+
+
+def main():
+    ap = argparse.ArgumentParser(description=__doc__.splitlines()[1])
+    ap.add_argument("--out", default=str(ROOT), help="output root (default: the repository root)")
+    args = ap.parse_args()
+    files = make_all(args.out)
+    for f in files:
+        print(f)
+    print(f"{len(files)} files written under {args.out}")
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,57 @@
+"""docs/contact_sheet.png: every picture under Assets/Sprites at its in-game scale, labelled.
+
+Pictures are scaled with the same nearest sampling an unsmoothed SFML sprite uses. Anything too
+wide for the sheet is halved until it fits, and its label says so.
+"""
+import numpy as np
+from PIL import Image, ImageDraw, ImageFont
+
+from . import pixel as px
+
+SHEET_W, PAD, LABEL_H = 1400, 16, 22
+BACKGROUND, CELL, TEXT = (30, 30, 34, 255), (42, 42, 48, 255), (210, 205, 190, 255)
+GAME_SCALE = {  # file name -> scale the game draws it at; anything else is drawn at 3
+    "GameMenu.png": 1.0, "ButtonSelectorLeft.png": 1.5, "ButtonSelectorRight.png": 1.5,
+    "bar.png": 1.0, "filler.png": 1.0, "button.png": 1.0, "windowSelect.png": 2.0,
+    "LogoStudio.png": 0.1, "LogoLumorra.png": 0.2,
+}
+SHEET_SCALE = {"GameMenu.png": 0.5}  # shown smaller than in game, to keep the sheet compact
+
+
+def _entries(root):
+    sprites = root / "Assets" / "Sprites"
+    for path in sorted(sprites.rglob("*.png")):
+        game = GAME_SCALE.get(path.name, 3.0)
+        shown = SHEET_SCALE.get(path.name, game)
+        img = np.array(Image.open(path).convert("RGBA"))
+        while img.shape[1] * shown > SHEET_W - 2 * PAD:
+            shown /= 2
+        label = f"{path.relative_to(sprites).as_posix()}  x{game:g}"
+        if shown != game:
+            label += f" (shown x{shown:g})"
+        yield label, px.scale_nearest(img, shown)
+
+
+def _layout(items, font):
+    """Shelf packing: left to right, a new row when the next picture does not fit."""
+    x, y, row_h, placed = PAD, PAD, 0, []
+    for label, img in items:
+        w = max(img.shape[1], int(font.getlength(label)))
+        h = img.shape[0] + LABEL_H
+        if x + w > SHEET_W - PAD and x > PAD:
+            x, y, row_h = PAD, y + row_h + PAD, 0
+        placed.append((x, y, label, img))
+        x, row_h = x + w + PAD, max(row_h, h)
+    return placed, y + row_h + PAD
+
+
+def generate(out):
+    font = ImageFont.truetype(str(out / "Assets/Fonts/ButtonFont2.ttf"), 13)
+    placed, height = _layout(list(_entries(out)), font)
+    sheet = Image.new("RGBA", (SHEET_W, height), BACKGROUND)
+    draw = ImageDraw.Draw(sheet)
+    for x, y, label, img in placed:
+        draw.rectangle([x, y + LABEL_H, x + img.shape[1] - 1, y + LABEL_H + img.shape[0] - 1], CELL)
+        sheet.alpha_composite(Image.fromarray(img, "RGBA"), (x, y + LABEL_H))
+        draw.text((x, y + 3), label, font=font, fill=TEXT)
+    return [px.save_png(np.array(sheet), out / "docs/contact_sheet.png")]
