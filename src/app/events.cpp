@@ -6,6 +6,7 @@
 #include "menus/credits.h"
 #include "menus/main_menu.h"
 #include "menus/settings_screen.h"
+#include "world/room_draw.h"
 
 namespace {
 
@@ -93,6 +94,12 @@ void RouteJoystickConnection(const sf::Event& event) {
     }
 }
 
+void RouteGameEvent(const sf::Event& event) {
+    if (event.type == sf::Event::KeyPressed && event.key.code == sf::Keyboard::Home) {
+        DebugOverlay() = DebugOverlay() ? 0 : 1;
+    }
+}
+
 bool IsJoystickEventOfOtherPad(const sf::Event& event) {
     switch (event.type) {
         case sf::Event::JoystickButtonPressed:
@@ -120,7 +127,11 @@ void PollEvents(AppWindow& app) {
             continue;
         }
         if (IsJoystickEventOfOtherPad(event)) continue;
-        if (GetGameState() == GAME_STATE_MENU) RouteMenuEvent(app, event);
+        if (GetGameState() == GAME_STATE_MENU) {
+            RouteMenuEvent(app, event);
+        } else if (GetGameState() == GAME_STATE_GAME) {
+            RouteGameEvent(event);
+        }
         if (event.type == sf::Event::KeyPressed && event.key.code == sf::Keyboard::F11) {
             ToggleFullScreen(app);
         }

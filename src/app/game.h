@@ -27,3 +27,6 @@ void CleanupGame();
 
 // The game view while a game is loaded, else null.
 const sf::View* GameView();
+
+// Where the hero stands: what the camera follows.
+sf::Vector2f& HeroPosition();

@@ -13,15 +13,19 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// Read-only asset folders are linked; writable ones are copied.
+// Folders are made anew and the game's files linked into them, so a test can add files of its
+// own anywhere; the folders the game writes to are copied instead.
 void PopulateAssets(const fs::path& source, const fs::path& target) {
     fs::create_directories(target);
     for (const fs::directory_entry& entry : fs::directory_iterator(source)) {
         std::string name = entry.path().filename().string();
+        fs::path destination = target / name;
         if (name == "Settings" || name == "Saves") {
-            fs::copy(entry.path(), target / name, fs::copy_options::recursive);
+            fs::copy(entry.path(), destination, fs::copy_options::recursive);
+        } else if (entry.is_directory()) {
+            PopulateAssets(entry.path(), destination);
         } else {
-            fs::create_directory_symlink(entry.path(), target / name);
+            fs::create_symlink(entry.path(), destination);
         }
     }
 }

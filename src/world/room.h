@@ -1,0 +1,139 @@
+// The current room, read from its Tiled map: tile sprites, solid rectangles, named triggers,
+// arrival points, exits, enemy spawns, the camera container, parallax backgrounds and animated
+// tiles. All coordinates are world pixels (map pixels x 3). One room is loaded at a time.
+#pragma once
+
+#include <SFML/Graphics.hpp>
+#include <array>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "common/drawables.h"
+
+using ShapePtr = std::shared_ptr<sf::RectangleShape>;
+
+enum Region { REGION_FOREST = 0, REGION_CITY = 1 };
+enum CollisionKind { COLLISION_SOLID = 0, COLLISION_ONE_WAY = 1 };
+
+struct RoomLayer {
+    std::string name;
+    std::vector<sf::Sprite> tiles;
+};
+
+struct Collision {
+    ShapePtr shape;  // shared with a door or an elevator when it belongs to one
+    int kind = COLLISION_SOLID;
+    int active = 1;
+};
+
+struct Trigger {
+    ShapePtr shape;
+    std::string name;
+    int value = 0;
+    int near = 0;
+};
+
+struct TransitionDoor {
+    ShapePtr shape;
+    std::string cameraTransition;
+    bool hasCameraTransition = false;
+    int targetedRoom = 0;
+    int targetedDoorId = 0;
+    int id = 0;
+};
+
+struct DoorSpawn {
+    sf::Vector2f position;
+    int id = 0;
+    int linkedDoorId = 0;
+};
+
+struct CheckpointSpawn {
+    sf::Vector2f position;
+    int id = 0;
+};
+
+struct EnemySpawn {
+    sf::Vector2f position;
+    int enemyType = 0;
+    int containerId = 0;
+};
+
+struct EnemyContainer {
+    ShapePtr shape;
+    int id = 0;
+};
+
+struct DeathZone {
+    ShapePtr shape;
+};
+
+struct Background {
+    TexturePtr texture;
+    SpritePtr sprite;
+    float parallaxX = 0, parallaxY = 0;
+    int loopX = 0, loopY = 0, followY = 0;
+};
+
+struct ChestSpawn {
+    sf::Vector2f position;
+    int ability = 0;
+    int right = 0;
+    int id = 0;
+};
+
+constexpr int kMaxTileAnimationFrames = 100;
+
+struct TileAnimation {
+    int layer = 0;  // the sprite is tiles[tile] of layers[layer]
+    int tile = 0;
+    const sf::Texture* texture = nullptr;
+    unsigned frame = 0;
+    unsigned frameCount = 0;
+    std::array<float, kMaxTileAnimationFrames> durations{};
+    float timer = 0;
+    std::array<unsigned, kMaxTileAnimationFrames> tileIds{};
+    unsigned tileSize = 32;
+};
+
+struct Room {
+    std::vector<RoomLayer> layers;
+    std::vector<Collision> collisions;
+    std::vector<Trigger> triggers;
+    std::vector<TransitionDoor> transitionDoors;
+    std::vector<DoorSpawn> doorSpawns;
+    std::vector<CheckpointSpawn> checkpointSpawns;
+    std::vector<EnemySpawn> enemySpawns;
+    std::vector<EnemyContainer> enemyContainers;
+    std::vector<DeathZone> deathZones;
+    std::vector<Background> backgrounds;
+    std::vector<ChestSpawn> chestSpawns;
+    std::vector<TileAnimation> tileAnimations;
+    ShapePtr cameraContainer;
+    ShapePtr merchantZone;
+    sf::Vector2f merchantPosition;
+    int hasMerchant = 0;
+    int region = REGION_FOREST;
+    int bossRoom = 0;
+    TexturePtr tilesetTexture;
+    std::unique_ptr<sf::CircleShape> proximityCircle;
+    float proximityRadius = 0;
+    float scale = 3.0f;
+    int tileSize = 32;
+    int roomNumber = 0;
+    bool loaded = false;  // false when the last load failed: the room is then empty
+};
+
+Room& CurrentRoom();
+
+// Reads a room's map behind the loading screen (one frame per top-level layer). A missing or
+// malformed map or tileset is reported with the file's name and leaves an empty room.
+void LoadRoomMap(sf::RenderWindow& window, const std::string& mapPath, int tileSize, float scale,
+                 int roomNumber);
+// Frees everything the load created. The region and the boss flag stay as they were: a map
+// that does not set them keeps the previous room's.
+void ReleaseRoom();
+
+// The map file of a room number.
+std::string RoomMapPath(int roomNumber);

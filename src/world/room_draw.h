@@ -1,0 +1,21 @@
+// Drawing the current room and keeping its moving decoration alive: parallax backgrounds,
+// animated tiles, trigger proximity, and the debug overlay of the room's invisible rectangles.
+#pragma once
+
+#include <SFML/Graphics.hpp>
+
+// Backdrops (the map's first background in front), then "Background" tile layers.
+void DrawRoomBackgrounds(sf::RenderTarget& target);
+// Every tile layer other than "Background" and "Foreground", in map order.
+void DrawRoomMiddleLayers(sf::RenderTarget& target);
+void DrawRoomForeground(sf::RenderTarget& target);
+// Solid rectangles, near triggers, exits, enemy containers, death zones, the camera container and
+// the proximity circle, while the overlay is on.
+void DrawRoomDebug(sf::RenderTarget& target);
+
+void UpdateBackgrounds(const sf::View& view);
+void UpdateRoomProximity(sf::Vector2f center, float radius, float dt);
+
+// The view centre seen by the previous background update.
+sf::Vector2f& LastViewCenter();
+int& DebugOverlay();

@@ -1,0 +1,30 @@
+#include "world/room_lifecycle.h"
+
+#include "world/camera.h"
+#include "world/room.h"
+
+namespace {
+
+int currentRoom = 0;
+
+}  // namespace
+
+void LoadNextTargetRoom(sf::RenderWindow& window, int roomNumber) {
+    currentRoom = roomNumber;
+    LoadRoomMap(window, RoomMapPath(roomNumber), 32, 3.0f, roomNumber);
+    Camera& camera = GameCamera();
+    if ((roomNumber == 14 || roomNumber == 23) && camera.view && CurrentRoom().cameraContainer) {
+        sf::Vector2f fitted = FitViewSize(CurrentRoom().cameraContainer->getSize());
+        if (camera.mode == CAMERA_FOLLOW) camera.targetSize = fitted;
+        if (camera.mode == CAMERA_FIXED) camera.fixedSize = fitted;
+        camera.view->setSize(fitted);
+    }
+}
+
+void CleanupRoom() {
+    ReleaseRoom();
+}
+
+int CurrentRoomNumber() {
+    return currentRoom;
+}

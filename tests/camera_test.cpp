@@ -1,0 +1,276 @@
+// The camera's follow, blends, clamp and shake, the screen fade, and the moving parts of a room.
+#include "world/camera.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+#include "world/room.h"
+#include "world/room_draw.h"
+
+namespace {
+
+class CameraTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        CreateCamera({0, 0});
+        GameCamera().mode = CAMERA_FOLLOW;
+    }
+    void TearDown() override {
+        DestroyCamera();
+        ReleaseRoom();
+        CurrentRoom() = Room();
+    }
+    sf::View& View() { return *GameCamera().view; }
+    void SetContainer(sf::FloatRect rect) {
+        CurrentRoom().cameraContainer =
+            std::make_shared<sf::RectangleShape>(sf::Vector2f(rect.width, rect.height));
+        CurrentRoom().cameraContainer->setPosition(rect.left, rect.top);
+    }
+};
+
+}  // namespace
+
+TEST_F(CameraTest, FollowLagsCloseAndCatchesUpFarGoals) {
+    FollowTarget({5, 0});
+    EXPECT_EQ(View().getCenter(), sf::Vector2f(0, 0));
+    View().setCenter(0, 0);
+    FollowTarget({50, 1});
+    EXPECT_NEAR(View().getCenter().x, 1.5f, 1e-3);  // 3 % of 50 px
+    EXPECT_FLOAT_EQ(View().getCenter().y, 1);       // within a step: snaps
+    View().setCenter(0, 0);
+    FollowTarget({250, 0});
+    EXPECT_NEAR(View().getCenter().x, 150, 1e-3);  // 100 px short of the goal
+}
+
+TEST_F(CameraTest, RotationAndZoomEaseBackByOnePercentAFrame) {
+    View().setRotation(350);
+    FollowTarget(View().getCenter());
+    EXPECT_NEAR(View().getRotation(), 353.5f, 1e-3);  // upwards to 360, not back through 180
+    View().setRotation(0);
+    View().setSize(2920, 1080);
+    FollowTarget(View().getCenter());
+    EXPECT_LT(View().getSize().x, 2920);
+    View().setSize(1920.5f, 1080);
+    FollowTarget(View().getCenter());
+    EXPECT_EQ(View().getSize(), sf::Vector2f(1920, 1080));
+}
+
+TEST_F(CameraTest, BlendsEndInTheirModeAndAZeroBlendEndsAtOnce) {
+    Camera& camera = GameCamera();
+    camera.mode = CAMERA_BLEND;
+    camera.blendTarget = CAMERA_FIXED;
+    camera.fixedCenter = {500, 300};
+    camera.fixedSize = {576, 324};
+    camera.fixedRotation = 10;
+    camera.blendDuration = 0;
+    UpdateCamera(1.0f / 60, {0, 0});
+    EXPECT_EQ(camera.mode, CAMERA_FIXED);
+    EXPECT_EQ(View().getSize(), sf::Vector2f(576, 324));
+    EXPECT_FLOAT_EQ(View().getRotation(), 10);
+
+    camera.mode = CAMERA_BLEND;
+    camera.blendTarget = CAMERA_FOLLOW;
+    camera.blendDuration = 1.0f;
+    camera.sizeEasing = 0;
+    int frames = 0;
+    while (camera.mode == CAMERA_BLEND && frames < 200) {
+        UpdateCamera(0.1f, {0, 0});
+        frames++;
+    }
+    EXPECT_NEAR(frames, 10, 1);
+    EXPECT_EQ(camera.mode, CAMERA_FOLLOW);
+    EXPECT_EQ(View().getSize(), sf::Vector2f(1920, 1080));
+}
+
+TEST_F(CameraTest, ContainerKeepsTheViewInsideAndANarrowOneAlignsTheRightEdge) {
+    SetContainer({0, 0, 5000, 2000});
+    View().setCenter(100, 100);
+    ClampViewToContainer();
+    EXPECT_EQ(View().getCenter(), sf::Vector2f(960, 540));
+    View().setCenter(4900, 1900);
+    ClampViewToContainer();
+    EXPECT_EQ(View().getCenter(), sf::Vector2f(4040, 1460));
+
+    SetContainer({0, 0, 1000, 2000});
+    View().setCenter(960, 540);  // left edges together
+    ClampViewToContainer();
+    EXPECT_EQ(View().getCenter(), sf::Vector2f(40, 540));
+}
+
+TEST_F(CameraTest, FollowGoalAboveTheFeetIsClampedToo) {
+    SetContainer({0, 0, 3000, 1080});
+    UpdateCamera(1.0f / 60, {1500, 1080});
+    // Goal (1500, 1080 - 151.2) is pulled up so the view stays in the container.
+    for (int i = 0; i < 400; i++) UpdateCamera(1.0f / 60, {1500, 1080});
+    EXPECT_NEAR(View().getCenter().x, 1500, 7);
+    EXPECT_NEAR(View().getCenter().y, 540, 7);
+}
+
+TEST_F(CameraTest, ShakeStaysWithinHalfTheAmplitude) {
+    SetContainer({-10000, -10000, 20000, 20000});
+    Camera& camera = GameCamera();
+    std::srand(7);
+    int low = 100, high = -100;
+    for (int i = 0; i < 500; i++) {
+        View().setCenter(0, 0);
+        camera.shake = 1;
+        camera.shakeAmplitude = 10;
+        UpdateCamera(1.0f / 60, {0, 0.14f * 1080});
+        int offset = int(View().getCenter().x);
+        low = std::min(low, offset);
+        high = std::max(high, offset);
+    }
+    EXPECT_EQ(low, -5);
+    EXPECT_EQ(high, 4);
+}
+
+TEST_F(CameraTest, BossFocusPansHoldsAndReturns) {
+    SetContainer({0, 0, 10000, 2000});
+    Camera& camera = GameCamera();
+    View().setCenter(1000, 900);
+    StartBossFocus({3000, 900});
+    StartBossFocus({9000, 900});  // a running focus is not restarted
+    float seconds = 0;
+    while (camera.focusActive && seconds < 10) {
+        UpdateCamera(0.1f, {1000, 1000});
+        seconds += 0.1f;
+        if (camera.focusPhase == 1) {
+            EXPECT_NEAR(View().getCenter().x, 3000, 0.01);
+        }
+    }
+    EXPECT_NEAR(seconds, 6.1f, 0.25f);  // 2 s there, 2 s held, 2 s back
+    EXPECT_EQ(camera.mode, CAMERA_FOLLOW);
+    EXPECT_NEAR(View().getCenter().x, 1000, 0.5);
+}
+
+TEST_F(CameraTest, FitKeepsTheViewsProportions) {
+    EXPECT_EQ(FitViewSize({3840, 3000}), sf::Vector2f(3840, 2160));
+    sf::Vector2f narrow = FitViewSize({1000, 1080});
+    EXPECT_NEAR(narrow.x, 1000, 1e-3);
+    EXPECT_NEAR(narrow.y, 562.5f, 1e-3);
+}
+
+TEST_F(CameraTest, FadesReachTheirColour) {
+    CreateScreenFade();
+    UpdateScreenFade({0, 0}, {1920, 1080}, 0.016f);
+    EXPECT_EQ(Fade().shape->getFillColor().a, 0);  // created with nothing to do
+    EXPECT_EQ(Fade().done, 1);
+    StartScreenFade(FADE_TO_BLACK, 0);
+    UpdateScreenFade({0, 0}, {1920, 1080}, 0.016f);
+    EXPECT_EQ(Fade().shape->getFillColor(), sf::Color::Black);
+    EXPECT_EQ(Fade().done, 1);
+    StartScreenFade(FADE_TO_CLEAR, 0.8f);
+    int frames = 0;
+    for (; !Fade().done && frames < 100; frames++) UpdateScreenFade({5, 6}, {100, 50}, 0.1f);
+    EXPECT_EQ(frames, 8);
+    EXPECT_EQ(Fade().shape->getFillColor().a, 0);
+    EXPECT_EQ(Fade().shape->getPosition(), sf::Vector2f(5, 6));
+    DestroyScreenFade();
+}
+
+namespace {
+
+class BackgroundTest : public CameraTest {
+protected:
+    Background& AddBackground(float factor, int loopX) {
+        Background background;
+        background.sprite = std::make_unique<sf::Sprite>();
+        background.texture = std::make_unique<sf::Texture>();
+        EXPECT_TRUE(background.texture->create(640, 360));
+        background.sprite->setTexture(*background.texture);
+        background.sprite->setTextureRect({0, 0, loopX ? 2560 : 640, 360});
+        background.sprite->setScale(3, 3);
+        background.parallaxX = factor - 1;
+        background.loopX = loopX;
+        CurrentRoom().backgrounds.push_back(std::move(background));
+        return CurrentRoom().backgrounds.back();
+    }
+};
+
+}  // namespace
+
+TEST_F(BackgroundTest, StillViewLeavesBackgroundsAndParallaxMovesThem) {
+    Background& far = AddBackground(1.5f, 0);
+    View().setCenter(1000, 540);
+    LastViewCenter() = {1000, 540};
+    UpdateBackgrounds(View());
+    EXPECT_EQ(far.sprite->getPosition(), sf::Vector2f(0, 0));
+    View().setCenter(1100, 540);
+    UpdateBackgrounds(View());
+    EXPECT_EQ(far.sprite->getPosition(), sf::Vector2f(50, 0));
+}
+
+TEST_F(BackgroundTest, LoopingBackgroundJumpsByHalfOnceTheViewPassesItsMiddle) {
+    Background& sky = AddBackground(1.0f, 1);  // 7680 px wide, fixed in the world
+    LastViewCenter() = {960, 540};
+    View().setCenter(960 + 3000, 540);  // left edge 3000: before the middle (3840)
+    UpdateBackgrounds(View());
+    EXPECT_EQ(sky.sprite->getPosition().x, 0);
+    View().setCenter(960 + 3850, 540);  // left edge 10 px past the middle
+    UpdateBackgrounds(View());
+    EXPECT_EQ(sky.sprite->getPosition().x, 3840);
+    sky.followY = 1;
+    View().setCenter(960 + 3850, 2000);
+    UpdateBackgrounds(View());
+    EXPECT_EQ(sky.sprite->getPosition().y, 2000 - 540);
+}
+
+TEST_F(BackgroundTest, AnimatedTileAdvancesOneFrameAndDropsTheRest) {
+    Room& room = CurrentRoom();
+    auto texture = std::make_unique<sf::Texture>();
+    ASSERT_TRUE(texture->create(320, 64));
+    room.layers.push_back({"Water", {sf::Sprite(*texture, {0, 0, 32, 32})}});
+    TileAnimation animation;
+    animation.texture = texture.get();
+    animation.frameCount = 3;
+    animation.durations = {0.1f, 0.1f, 0.1f};
+    animation.tileIds = {5, 12, 7};
+    room.tileAnimations.push_back(animation);
+    UpdateRoomProximity({0, 0}, 100, 0.25f);
+    EXPECT_EQ(room.tileAnimations[0].frame, 1u);
+    EXPECT_EQ(room.tileAnimations[0].timer, 0);
+    EXPECT_EQ(room.layers[0].tiles[0].getTextureRect(), sf::IntRect(64, 32, 32, 32));
+    room.layers.clear();
+    room.tileAnimations.clear();
+}
+
+TEST_F(BackgroundTest, TriggersNearTheViewAreMarked) {
+    Room& room = CurrentRoom();
+    auto shape = std::make_shared<sf::RectangleShape>(sf::Vector2f(100, 100));
+    shape->setPosition(2000, -50);
+    room.triggers.push_back({shape, "Chest trigger", 0, 0});
+    // The trigger's centre is 2050 px away; its half sizes add 100 to the reach.
+    UpdateRoomProximity({0, 0}, 1960, 0);
+    EXPECT_EQ(room.triggers[0].near, 1);
+    UpdateRoomProximity({0, 0}, 1940, 0);
+    EXPECT_EQ(room.triggers[0].near, 0);
+    room.triggers.clear();
+}
+
+TEST_F(BackgroundTest, OverlayDrawsOnlyWhenOnAndNeverInactiveRectangles) {
+    sf::RenderTexture canvas;
+    ASSERT_TRUE(canvas.create(64, 64));
+    canvas.setView(sf::View(sf::FloatRect(0, 0, 64, 64)));
+    Room& room = CurrentRoom();
+    auto open = std::make_shared<sf::RectangleShape>(sf::Vector2f(32, 64));
+    open->setFillColor(sf::Color::Red);
+    auto closed = std::make_shared<sf::RectangleShape>(sf::Vector2f(32, 64));
+    closed->setPosition(32, 0);
+    closed->setFillColor(sf::Color::Red);
+    room.collisions.push_back({open, COLLISION_SOLID, 0});
+    room.collisions.push_back({closed, COLLISION_SOLID, 1});
+    auto pixel = [&](unsigned x) {
+        canvas.clear(sf::Color::Black);
+        DrawRoomDebug(canvas);
+        canvas.display();
+        return canvas.getTexture().copyToImage().getPixel(x, 10);
+    };
+    DebugOverlay() = 0;
+    EXPECT_EQ(pixel(40), sf::Color::Black);
+    DebugOverlay() = 1;
+    EXPECT_EQ(pixel(40), sf::Color::Red);
+    EXPECT_EQ(pixel(10), sf::Color::Black);
+    DebugOverlay() = 0;
+    room.collisions.clear();
+}
