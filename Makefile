@@ -11,7 +11,7 @@ TEST_PACKAGES := $(RUN_PACKAGES) libgtest-dev libbenchmark-dev xvfb xauth xdotoo
 
 SUDO := $(shell [ "$$(id -u)" = 0 ] || echo sudo)
 
-.PHONY: all build run test assets deps-run deps-test clean
+.PHONY: all build run test bench assets deps-run deps-test clean
 
 all: build
 
@@ -43,6 +43,10 @@ test: deps-test build
 	cmake --build $(TEST_BUILD) -j $(JOBS)
 	cd $(TEST_BUILD) && xvfb-run -a -s "-screen 0 1920x1080x24" env ALSOFT_DRIVERS=null \
 	    ctest --output-on-failure
+
+# Room load and frame times (figures go to docs/benchmarks.md).
+bench: deps-test build
+	xvfb-run -a -s "-screen 0 1920x1080x24" env ALSOFT_DRIVERS=null ./$(BUILD)/room_bench
 
 assets: deps-test
 	$(PYTHON) tools/make_assets.py

@@ -6,6 +6,8 @@
 #include "menus/credits.h"
 #include "menus/main_menu.h"
 #include "menus/settings_screen.h"
+#include "player/player.h"
+#include "player/save.h"
 #include "world/room_draw.h"
 
 namespace {
@@ -94,9 +96,47 @@ void RouteJoystickConnection(const sf::Event& event) {
     }
 }
 
+void GameKeyPressed(int key) {
+    if (key == sf::Keyboard::Home) DebugOverlay() = DebugOverlay() ? 0 : 1;
+    HandlePlayerKeyPressed(key);
+}
+
+// Gamepad button 0 jumps under the same conditions as the jump key, unless a dash is pending.
+void GameButtonPressed(unsigned button) {
+    const Player& player = GetPlayer();
+    if (!player.body.controllable) return;
+    int state = player.body.state;
+    bool mayJump = state == PLAYER_IDLE || state == PLAYER_WALK || state == PLAYER_DASH ||
+                   state == PLAYER_RUN || state == PLAYER_FALL;
+    if (button == 0 && mayJump && !DownHeld() && !player.body.dashRequest) {
+        GetPlayer().body.jumpRequest = 1;
+    }
+}
+
+// The triggers: pulling the left one (Z below -0.1) asks for a dash.
+void GameAxisMoved() {
+    Player& player = GetPlayer();
+    int state = player.body.state;
+    bool trigger = InputJoystickAxis(0, sf::Joystick::Z) < -0.1f;
+    if (!player.body.parryRequest && trigger && (state == PLAYER_IDLE || state == PLAYER_WALK) &&
+        Save().abilities.canDash) {
+        player.body.dashRequest = 1;
+    }
+}
+
 void RouteGameEvent(const sf::Event& event) {
-    if (event.type == sf::Event::KeyPressed && event.key.code == sf::Keyboard::Home) {
-        DebugOverlay() = DebugOverlay() ? 0 : 1;
+    switch (event.type) {
+        case sf::Event::KeyPressed:
+            GameKeyPressed(event.key.code);
+            break;
+        case sf::Event::JoystickButtonPressed:
+            GameButtonPressed(event.joystickButton.button);
+            break;
+        case sf::Event::JoystickMoved:
+            GameAxisMoved();
+            break;
+        default:
+            break;
     }
 }
 

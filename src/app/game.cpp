@@ -6,22 +6,18 @@
 #include "common/log.h"
 #include "menus/credits.h"
 #include "menus/settings_screen.h"
+#include "player/player.h"
+#include "player/save.h"
 #include "world/camera.h"
 #include "world/room.h"
 #include "world/room_draw.h"
 #include "world/room_lifecycle.h"
+#include "world/transition.h"
 
 namespace {
 
 OverlayFlags flags;
 bool loaded = false;
-
-// A new game starts in the first room of the forest, at its checkpoint 0.
-const int kStartRoom = 1;
-const int kStartCheckpoint = 0;
-
-// Where the hero stands: the camera's target.
-sf::Vector2f heroPosition;
 
 const char* const kNoContainer = "Camera container is not set !\n";
 
@@ -32,6 +28,31 @@ sf::Vector2f CheckpointPosition(int id) {
     return {0, 0};
 }
 
+void RequestShake() {
+    Camera& camera = GameCamera();
+    const Player& player = GetPlayer();
+    camera.shake = 0;
+    if (player.body.state == PLAYER_TAKE_DAMAGE) {
+        camera.shake = 1;
+        camera.shakeAmplitude = 10;
+    }
+    if (player.body.hitDealt) {
+        camera.shake = 1;
+        camera.shakeAmplitude = 4;
+    }
+}
+
+// Pits, spikes and water: 30 life, and back to where the hero stood this frame.
+void CheckDeathZones() {
+    Player& player = GetPlayer();
+    for (const Trigger& trigger : CurrentRoom().triggers) {
+        if (trigger.name != "DeathZone") continue;
+        if (!trigger.shape->getGlobalBounds().intersects(PlayerBodyBounds())) continue;
+        player.life -= 30;
+        if (player.life > 0) SetPlayerPosition(player.lastSafePosition);
+    }
+}
+
 void RunWorld(float dt) {
     sf::View& view = *GameCamera().view;
     sf::Listener::setPosition(view.getCenter().x, view.getCenter().y, 0);
@@ -39,10 +60,24 @@ void RunWorld(float dt) {
     for (int check = 0; check < 2; check++) {
         if (!CurrentRoom().cameraContainer) Log("%s", kNoContainer);
     }
-    UpdateCamera(dt, heroPosition);
-    GameCamera().shake = 0;
+    UpdateCamera(dt, GetPlayerPosition());
+    RequestShake();
+    UpdatePlayer(dt);
+    CheckDeathZones();
     UpdateRoomProximity(view.getCenter(), 1.21f * view.getSize().x, dt);
-    if (flags.respawnStep == 0) ClampViewToContainer();
+    if (Transition().respawnStep == 0) ClampViewToContainer();
+    if (!Transition().transitionActive) CheckTransitionDoors();
+}
+
+void RunSequences(sf::RenderWindow& window, float dt) {
+    const sf::View& view = *GameCamera().view;
+    UpdateScreenFade(view.getCenter(), view.getSize(), dt);
+    TransitionState& transition = Transition();
+    if (transition.transitionActive) UpdateDoorTransition(window, dt);
+    if (GetPlayer().body.state == PLAYER_DEAD && PlayerStanding() && transition.respawnStep == 0) {
+        transition.respawnStep = 1;
+    }
+    if (transition.respawnStep != 0) UpdateRespawnSequence(window);
 }
 
 }  // namespace
@@ -51,30 +86,37 @@ OverlayFlags& Overlays() {
     return flags;
 }
 
+void SetPlayerControllable(int controllable) {
+    Player& player = GetPlayer();
+    player.body.controllable = controllable;
+    if (controllable) player.lastSafePosition = GetPlayerPosition();
+}
+
 void LoadGame(sf::RenderWindow& window) {
     Log("Load Game\n");
     flags = OverlayFlags();
-    heroPosition = {0, 0};
-    CreateCamera(heroPosition);
-    LoadNextTargetRoom(window, kStartRoom);
-    heroPosition = CheckpointPosition(kStartCheckpoint);
+    LoadSave();
+    CreatePlayer({0, 0});
+    CreateCamera(GetPlayerPosition());
+    LoadNextTargetRoom(window, Save().roomID);
+    SetPlayerPosition(CheckpointPosition(Save().checkpointID));
     LastViewCenter() = {0, 0};
     CreateScreenFade();
-    flags.transitionActive = 0;
-    flags.respawnStep = 0;
+    ResetTransition();
+    SetPlayerControllable(1);
     LoadRegionMusic();
     loaded = true;
 }
 
 void UpdateGame(sf::RenderWindow& window, float dt) {
-    (void)window;
     if (!loaded) return;
     flags.worldFrozen =
         (flags.consoleOpen || flags.pauseOpen || flags.mapOpen || flags.explanationOpen) ? 1 : 0;
+    bool mayAct = !flags.worldFrozen && !Transition().transitionActive && !flags.shopOpen;
+    SetPlayerControllable(mayAct ? 1 : 0);
     if (!flags.worldFrozen) RunWorld(dt);
     UpdateRegionMusic();
-    const sf::View& view = *GameCamera().view;
-    UpdateScreenFade(view.getCenter(), view.getSize(), dt);
+    RunSequences(window, dt);
 }
 
 void DrawGame(sf::RenderWindow& window) {
@@ -83,18 +125,22 @@ void DrawGame(sf::RenderWindow& window) {
     DrawRoomBackgrounds(window);
     DrawRoomMiddleLayers(window);
     DrawRoomDebug(window);
+    DrawPlayer(window);
     DrawRoomForeground(window);
     window.setView(*GameCamera().view);
     if (Fade().shape) window.draw(*Fade().shape);
+    if (Transition().respawnStep >= 1 && !flags.worldFrozen) DrawPlayer(window);
 }
 
 void CleanupGame() {
     if (!loaded) return;
     DestroyCamera();
-    ReleaseRoom();
+    CleanupRoom();
     FreeSettingsScreen();
     FreeCredits();
     DestroyScreenFade();
+    DestroyPlayer();
+    ResetTransition();
     // The loops end with the game: the title menu is silent.
     FreeRegionMusic();
     loaded = false;
@@ -102,8 +148,4 @@ void CleanupGame() {
 
 const sf::View* GameView() {
     return GameCamera().view.get();
-}
-
-sf::Vector2f& HeroPosition() {
-    return heroPosition;
 }

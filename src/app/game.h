@@ -3,7 +3,8 @@
 
 #include <SFML/Graphics.hpp>
 
-// Overlays and sequences that decide, each frame, whether the world runs.
+// Overlays that decide, each frame, whether the world runs (the door transition and the respawn
+// sequence keep their own state, with the room changes).
 struct OverlayFlags {
     int pauseOpen = 0;
     int consoleOpen = 0;
@@ -13,8 +14,6 @@ struct OverlayFlags {
     int merchantMenuOpen = 0;
     int shopOpen = 0;
     int worldFrozen = 0;
-    int transitionActive = 0;
-    int respawnStep = 0;
 };
 
 OverlayFlags& Overlays();
@@ -28,5 +27,5 @@ void CleanupGame();
 // The game view while a game is loaded, else null.
 const sf::View* GameView();
 
-// Where the hero stands: what the camera follows.
-sf::Vector2f& HeroPosition();
+// Gives or takes the hero's control; giving it also records where the hero stands as safe.
+void SetPlayerControllable(int controllable);

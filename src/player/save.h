@@ -1,0 +1,26 @@
+// The one save: the checkpoint last rested at, the abilities and the potions carried.
+#pragma once
+
+struct Abilities {
+    int canDash = 0;
+    int canRun = 0;
+    int CanCreatePlatform = 0;
+    int potionCount = 0;
+};
+
+struct SaveRecord {
+    int checkpointID = -1;
+    int roomID = -1;
+    Abilities abilities{-1, -1, -1, -1};
+};
+
+constexpr const char* kSavePath = "Assets/Saves/PlayerSave.txt";
+
+SaveRecord& Save();
+
+// Reads the save; a missing file or any unread field starts a new game (and rewrites the file).
+void LoadSave();
+// Checkpoint 0 of room 1, no abilities, one potion.
+void WriteNewGameSave();
+void WriteCheckpointSave(int checkpointID, int roomID);
+void SaveAbilities(const Abilities& abilities);

@@ -1,0 +1,252 @@
+// The hero's movement and collision, driven by scripted input on a hand-built room.
+#include "player/player.h"
+
+#include <gtest/gtest.h>
+
+#include "app/input.h"
+#include "menus/settings_files.h"
+#include "player/save.h"
+#include "support/fixture.h"
+#include "world/room.h"
+
+namespace {
+
+constexpr float kDt = 1.0f / 60.0f;
+constexpr float kFloor = 1000;
+
+class PlayerTest : public SandboxTest {
+protected:
+    void SetUp() override {
+        SandboxTest::SetUp();
+        ReadBindingSettings();
+        LoadSave();
+        CurrentRoom() = Room();
+        AddSolid({-1000, kFloor, 8000, 96});
+        CreatePlayer({500, kFloor});
+        Step(5);  // lands from its creation in FALL
+    }
+    void TearDown() override {
+        DestroyPlayer();
+        CurrentRoom() = Room();
+        SandboxTest::TearDown();
+    }
+
+    static void AddRect(sf::FloatRect rect, int kind) {
+        auto shape = std::make_shared<sf::RectangleShape>(sf::Vector2f(rect.width, rect.height));
+        shape->setPosition(rect.left, rect.top);
+        CurrentRoom().collisions.push_back({shape, kind, 1});
+    }
+    static void AddSolid(sf::FloatRect rect) { AddRect(rect, COLLISION_SOLID); }
+    static void AddOneWay(sf::FloatRect rect) { AddRect(rect, COLLISION_ONE_WAY); }
+
+    static void Step(int frames) {
+        for (int i = 0; i < frames; i++) UpdatePlayer(kDt);
+    }
+    static void Hold(int action, bool down) { InputScriptKey(Settings().bindings[action], down); }
+    static void Press(int action) {
+        Hold(action, true);
+        HandlePlayerKeyPressed(Settings().bindings[action]);
+    }
+    static int State() { return GetPlayer().body.state; }
+    static float Y() { return GetPlayerPosition().y; }
+    // Highest point (smallest y) over the next frames.
+    static float Peak(int frames) {
+        float top = Y();
+        for (int i = 0; i < frames; i++) {
+            UpdatePlayer(kDt);
+            top = std::min(top, Y());
+        }
+        return top;
+    }
+};
+
+}  // namespace
+
+TEST_F(PlayerTest, StandsOnTheFloorAfterItsFirstFall) {
+    EXPECT_EQ(State(), PLAYER_IDLE);
+    EXPECT_FLOAT_EQ(Y(), kFloor);
+    EXPECT_TRUE(PlayerStanding());
+    EXPECT_TRUE(PlayerOnSolidGround());
+    EXPECT_EQ(GetPlayer().life, 100);
+    EXPECT_EQ(GetPlayer().potions, 1);  // a new game carries one potion
+}
+
+TEST_F(PlayerTest, WalksAtWalkSpeedAndBothDirectionsCancel) {
+    Hold(BINDING_RIGHT, true);
+    Step(1);
+    EXPECT_EQ(State(), PLAYER_WALK);
+    float start = GetPlayerPosition().x;
+    Step(60);
+    EXPECT_NEAR(GetPlayerPosition().x - start, 700, 15);
+    EXPECT_TRUE(PlayerFacingRight());
+    Hold(BINDING_LEFT, true);
+    Step(2);
+    EXPECT_EQ(State(), PLAYER_IDLE);
+    float x = GetPlayerPosition().x;
+    Step(30);
+    EXPECT_EQ(GetPlayerPosition().x, x);
+    EXPECT_TRUE(PlayerFacingRight());  // facing stays while both are held
+}
+
+TEST_F(PlayerTest, WallsStopTheWalk) {
+    AddSolid({700, kFloor - 400, 96, 400});
+    Hold(BINDING_RIGHT, true);
+    Step(120);
+    EXPECT_NEAR(GetPlayerPosition().x, 700 - 40, 0.01);
+    EXPECT_TRUE(GetPlayer().body.blocked[CONTACT_RIGHT]);
+}
+
+TEST_F(PlayerTest, AFullJumpRisesAboutThreeTilesAndATapIsAShortHop) {
+    Press(BINDING_JUMP);
+    float full = kFloor - Peak(60);
+    EXPECT_NEAR(full, 300, 25);
+    Step(60);
+    ASSERT_EQ(State(), PLAYER_IDLE);
+
+    Press(BINDING_JUMP);
+    Step(2);
+    Hold(BINDING_JUMP, false);
+    float hop = kFloor - Peak(60);
+    EXPECT_GT(hop, 100);
+    EXPECT_LT(hop, 170);
+}
+
+TEST_F(PlayerTest, AJumpPressedJustBeforeLandingIsKept) {
+    SetPlayerPosition({500, kFloor - 30});  // lands about 0.15 s after the press
+    Step(2);
+    ASSERT_EQ(State(), PLAYER_FALL);
+    Press(BINDING_JUMP);
+    Hold(BINDING_JUMP, false);
+    Step(30);  // lands within 0.2 s and jumps at once
+    EXPECT_LT(Y(), kFloor - 50);
+
+    Step(120);
+    SetPlayerPosition({500, kFloor - 600});
+    Step(2);
+    Press(BINDING_JUMP);
+    Hold(BINDING_JUMP, false);
+    Step(60);  // 0.2 s of falling forgets the press
+    EXPECT_FLOAT_EQ(Y(), kFloor);
+    EXPECT_EQ(State(), PLAYER_IDLE);
+}
+
+TEST_F(PlayerTest, WalkingOffALedgeLeavesAMomentToJump) {
+    CurrentRoom().collisions.clear();
+    AddSolid({-1000, kFloor, 1600, 96});  // the ledge ends at x 600
+    AddSolid({-1000, kFloor + 2000, 8000, 96});
+    Hold(BINDING_RIGHT, true);
+    while (PlayerStanding()) Step(1);  // the feet just left the ledge
+    Step(3);
+    EXPECT_EQ(State(), PLAYER_WALK);
+    Press(BINDING_JUMP);
+    Step(2);
+    EXPECT_EQ(State(), PLAYER_JUMP);
+    EXPECT_LT(GetPlayer().body.vy, 0);
+}
+
+TEST_F(PlayerTest, DownAndJumpDropThroughAOneWayPlatform) {
+    AddOneWay({0, kFloor - 300, 1000, 30});
+    SetPlayerPosition({500, kFloor - 320});
+    Step(10);
+    ASSERT_EQ(State(), PLAYER_IDLE);
+    EXPECT_FLOAT_EQ(Y(), kFloor - 300);
+    Hold(BINDING_DOWN, true);
+    Press(BINDING_JUMP);  // never a jump while down is held
+    Step(2);
+    Hold(BINDING_JUMP, false);
+    Hold(BINDING_DOWN, false);
+    Step(60);
+    EXPECT_FLOAT_EQ(Y(), kFloor);
+    EXPECT_EQ(GetPlayer().dropThrough, 0);
+}
+
+TEST_F(PlayerTest, JumpingUpThroughAOneWayPlatformLandsOnIt) {
+    AddOneWay({0, kFloor - 200, 1000, 30});
+    Press(BINDING_JUMP);
+    Step(90);
+    EXPECT_FLOAT_EQ(Y(), kFloor - 200);
+    EXPECT_EQ(State(), PLAYER_IDLE);
+}
+
+TEST_F(PlayerTest, ASquareOverlapPushesUpAndAColumnPushesSideways) {
+    CurrentRoom().collisions.clear();
+    AddSolid({460, 970, 30, 30});  // a 30 x 30 overlap at the left of the feet
+    SetPlayerPosition({500, 1000});
+    Step(1);
+    EXPECT_NEAR(Y(), 970, 1);  // resolved upwards, not sideways
+    CurrentRoom().collisions.clear();
+    AddSolid({-1000, kFloor, 8000, 96});
+    AddSolid({530, 700, 100, 300});
+    SetPlayerPosition({500, 1000});
+    Step(1);
+    EXPECT_FLOAT_EQ(GetPlayerPosition().x, 490);  // out to the left by the overlap's width
+}
+
+TEST_F(PlayerTest, DashNeedsTheAbilityAndCoolsDown) {
+    Press(BINDING_DASH);
+    Step(1);
+    EXPECT_NE(State(), PLAYER_DASH);
+    Save().abilities.canDash = 1;
+    Press(BINDING_DASH);
+    Hold(BINDING_DASH, false);
+    Step(1);
+    ASSERT_EQ(State(), PLAYER_DASH);
+    float start = GetPlayerPosition().x;
+    Step(15);
+    EXPECT_EQ(State(), PLAYER_IDLE);
+    EXPECT_NEAR(GetPlayerPosition().x - start, 2100 * 0.2f, 40);
+    Press(BINDING_DASH);
+    Step(2);
+    EXPECT_NE(State(), PLAYER_DASH);  // 0.7 s of cooldown
+    Step(40);
+    Press(BINDING_DASH);
+    Step(1);
+    EXPECT_EQ(State(), PLAYER_DASH);
+}
+
+TEST_F(PlayerTest, RunNeedsItsAbilityAndRunJumpsKeepTheirSpeed) {
+    Save().abilities.canDash = 1;
+    Press(BINDING_DASH);
+    Step(20);  // dash ends while run is held, without the run ability: walk
+    EXPECT_NE(State(), PLAYER_RUN);
+    Hold(BINDING_DASH, false);
+    Step(60);
+    Save().abilities.canRun = 1;
+    Press(BINDING_DASH);
+    Step(20);
+    ASSERT_EQ(State(), PLAYER_RUN);
+    Press(BINDING_JUMP);
+    Step(2);
+    ASSERT_EQ(State(), PLAYER_JUMP);
+    float start = GetPlayerPosition().x;
+    Hold(BINDING_DASH, false);
+    Hold(BINDING_LEFT, true);  // no steering in a run-jump
+    Step(10);
+    EXPECT_NEAR(GetPlayerPosition().x - start, 1190 * 10 * kDt, 5);
+}
+
+TEST_F(PlayerTest, WithoutControlTheHeroIgnoresInputAndDiesAtZeroLife) {
+    GetPlayer().body.controllable = 0;
+    Press(BINDING_JUMP);
+    Hold(BINDING_RIGHT, true);
+    Step(10);
+    EXPECT_EQ(State(), PLAYER_IDLE);
+    EXPECT_EQ(GetPlayer().body.jumpRequest, 0);
+    GetPlayer().body.controllable = 1;
+    Hold(BINDING_RIGHT, false);
+    GetPlayer().life = 0;
+    Step(1);
+    EXPECT_EQ(State(), PLAYER_DEAD);
+    EXPECT_EQ(GetPlayer().body.controllable, 0);
+}
+
+TEST_F(PlayerTest, TheSafePositionIsTakenOnceASecondOnSolidGround) {
+    Step(60);
+    EXPECT_EQ(GetPlayer().lastSafePosition, GetPlayerPosition());
+    Hold(BINDING_RIGHT, true);
+    Step(30);
+    sf::Vector2f recorded = GetPlayer().lastSafePosition;
+    EXPECT_NE(recorded, GetPlayerPosition());
+    Step(31);
+    EXPECT_NE(GetPlayer().lastSafePosition, recorded);
+}
