@@ -1,0 +1,149 @@
+// Walking through every door of the authored rooms, falling into pits, and dying.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <set>
+
+#include "app/game.h"
+#include "app/game_state.h"
+#include "player/player.h"
+#include "player/save.h"
+#include "support/fixture.h"
+#include "world/camera.h"
+#include "world/room.h"
+#include "world/room_lifecycle.h"
+#include "world/transition.h"
+
+namespace {
+
+constexpr float kDt = 1.0f / 60.0f;
+
+class TransitionTest : public AppTest {
+protected:
+    void SetUp() override {
+        AppTest::SetUp();
+        ClickAt(200, 594);  // PLAY
+        ASSERT_EQ(GetGameState(), GAME_STATE_GAME);
+    }
+
+    // Game updates at a steady 60 per second, without drawing.
+    void Update(int frames) {
+        for (int i = 0; i < frames; i++) UpdateGame(*app.window, kDt);
+    }
+
+    void Enter(int room) {
+        testing::internal::CaptureStdout();
+        CleanupRoom();
+        LoadNextTargetRoom(*app.window, room);
+        testing::internal::GetCapturedStdout();
+    }
+
+    // Runs until the door transition has ended; returns what was printed.
+    std::string RunTransition() {
+        testing::internal::CaptureStdout();
+        for (int i = 0; i < 900 && (Transition().transitionActive || i == 0); i++) Update(1);
+        return testing::internal::GetCapturedStdout();
+    }
+};
+
+struct DoorCase {
+    int room;
+    int door;
+};
+
+}  // namespace
+
+TEST_F(TransitionTest, EveryDoorLeadsToItsRoomAndTheHeroArrivesInControl) {
+    std::vector<DoorCase> doors;
+    for (int room : {1, 2, 3, 4, 5, 11}) {
+        Enter(room);
+        for (int i = 0; i < int(CurrentRoom().transitionDoors.size()); i++) {
+            int target = CurrentRoom().transitionDoors[i].targetedRoom;
+            if (std::filesystem::exists(RoomMapPath(target))) doors.push_back({room, i});
+        }
+    }
+    ASSERT_GE(doors.size(), 10u);
+    std::set<int> directions;
+    for (const DoorCase& c : doors) {
+        Enter(c.room);
+        const TransitionDoor& door = CurrentRoom().transitionDoors[c.door];
+        SCOPED_TRACE("room " + std::to_string(c.room) + " door " + std::to_string(door.id));
+        int target = door.targetedRoom;
+        directions.insert(TransitionDirectionOf(door.cameraTransition, door.hasCameraTransition));
+        sf::FloatRect bounds = door.shape->getGlobalBounds();
+        SetPlayerPosition({bounds.left + bounds.width / 2, bounds.top + bounds.height - 1});
+        std::string log = RunTransition();
+        EXPECT_NE(log.find("TRANSITION !!!!!!!!!!!!!!!!!!!\n"), std::string::npos);
+        EXPECT_EQ(log.find("No door found with this id !"), std::string::npos);
+        ASSERT_EQ(CurrentRoomNumber(), target);
+        EXPECT_EQ(Transition().transitionActive, 0);
+        EXPECT_EQ(GetPlayer().body.controllable, 1);
+        sf::Vector2f arrival = Transition().arrivalPoint;
+        EXPECT_NEAR(GetPlayerPosition().x, arrival.x, 200);
+        // Standing still after arriving does not send the hero straight back.
+        Update(120);
+        EXPECT_EQ(CurrentRoomNumber(), target);
+        EXPECT_EQ(Transition().transitionActive, 0);
+    }
+    EXPECT_EQ(directions.size(), 4u) << "doors of all four directions";
+}
+
+TEST_F(TransitionTest, ADoorEnteredInMidAirDropsToTheFloorFirst) {
+    Enter(2);
+    const TransitionDoor* sideways = nullptr;
+    for (const TransitionDoor& door : CurrentRoom().transitionDoors) {
+        if (door.cameraTransition == "Right" && door.targetedRoom == 3) sideways = &door;
+    }
+    ASSERT_NE(sideways, nullptr);
+    sf::FloatRect bounds = sideways->shape->getGlobalBounds();
+    SetPlayerPosition({bounds.left + bounds.width / 2, bounds.top + bounds.height - 150});
+    Update(2);
+    ASSERT_EQ(Transition().transitionActive, 1);
+    float y = GetPlayerPosition().y;
+    Update(3);
+    EXPECT_GT(GetPlayerPosition().y, y);  // falling at 500 px/s, not walking yet
+    RunTransition();
+    EXPECT_EQ(CurrentRoomNumber(), 3);
+}
+
+TEST_F(TransitionTest, APitCostsThirtyLifeATouchAndIsLethal) {
+    Enter(5);
+    const Trigger* pit = nullptr;
+    for (const Trigger& trigger : CurrentRoom().triggers) {
+        if (trigger.name == "DeathZone") pit = &trigger;
+    }
+    ASSERT_NE(pit, nullptr);
+    sf::FloatRect zone = pit->shape->getGlobalBounds();
+    SetPlayerPosition({zone.left + zone.width / 2, zone.top + zone.height / 2 + 90});
+    UpdateGame(*app.window, kDt);
+    EXPECT_EQ(GetPlayer().life, 70);
+    Update(6);
+    EXPECT_LE(GetPlayer().life, 10);  // every touch costs 30: pits are meant to kill
+    Update(10);
+    EXPECT_EQ(GetPlayer().body.state, PLAYER_DEAD);
+}
+
+TEST_F(TransitionTest, DeathZoomsFadesAndRevivesAtTheSavedCheckpoint) {
+    Update(30);
+    ASSERT_EQ(Save().roomID, 1);
+    SetPlayerPosition(GetPlayerPosition() + sf::Vector2f(300, 0));
+    Update(30);
+    GetPlayer().life = 0;
+    int steps[9] = {};
+    for (int i = 0; i < 1500; i++) {
+        Update(1);
+        steps[Transition().respawnStep]++;
+        if (i > 10 && Transition().respawnStep == 0) break;
+    }
+    for (int step = 1; step <= 8; step++) EXPECT_GT(steps[step], 0) << "step " << step;
+    EXPECT_GT(steps[2], 200);  // the slow five-second zoom on the fallen hero
+    EXPECT_EQ(Transition().respawnStep, 0);
+    EXPECT_EQ(CurrentRoomNumber(), 1);
+    EXPECT_EQ(GetPlayer().life, 100);
+    EXPECT_EQ(GetPlayer().body.controllable, 1);
+    EXPECT_EQ(GetPlayer().body.state, PLAYER_IDLE);
+    EXPECT_EQ(GameCamera().mode, CAMERA_FOLLOW);
+    EXPECT_EQ(GameCamera().view->getSize(), sf::Vector2f(1920, 1080));
+    sf::Vector2f checkpoint = CurrentRoom().checkpointSpawns[0].position;
+    EXPECT_NEAR(GetPlayerPosition().x, checkpoint.x, 1);
+}
