@@ -205,6 +205,9 @@ void UpdateDoorTransition(sf::RenderWindow& window, float dt) {
 
 int WalkThroughDoor(int direction, sf::Sprite& sprite, int door, float dt) {
     sf::FloatRect bounds = DoorBounds(door);
+    // Through a hole in the ceiling or the floor the door carries the hero: the fall speed
+    // gathered meanwhile would otherwise pull back down harder than the walk lifts.
+    if (direction == TRANSITION_UP || direction == TRANSITION_DOWN) GetPlayer().body.vy = 0;
     sf::Vector2f goal = WalkGoal(direction, sprite.getPosition(), bounds);
     float walkSpeed = GetPlayer().tuning.walkSpeed;
     switch (direction) {

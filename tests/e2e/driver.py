@@ -14,11 +14,14 @@ SHOTS = os.path.join(REPO, "tests", "out")
 
 
 class Game:
-    def __init__(self, binary):
+    def __init__(self, binary, save=None):
         self.binary = os.path.abspath(binary)
         self.workdir = tempfile.mkdtemp(prefix="ombrith-e2e-")
         shutil.copytree(os.path.join(REPO, "Assets"), os.path.join(self.workdir, "Assets"),
                         symlinks=True)
+        if save is not None:
+            with open(os.path.join(self.workdir, "Assets/Saves/PlayerSave.txt"), "w") as f:
+                f.write(save)
         self.log_path = os.path.join(self.workdir, "stdout.log")
         self.log = open(self.log_path, "w")
         self.process = subprocess.Popen([self.binary], cwd=self.workdir, stdout=self.log,
@@ -77,6 +80,15 @@ class Game:
         subprocess.run(["xdotool", "key", name])
         time.sleep(0.4)
 
+    def hold(self, name, seconds):
+        subprocess.run(["xdotool", "keydown", name])
+        time.sleep(seconds)
+        subprocess.run(["xdotool", "keyup", name])
+
+    def write(self, relative, text):
+        with open(os.path.join(self.workdir, relative), "w") as f:
+            f.write(text)
+
     def screenshot(self, name):
         os.makedirs(SHOTS, exist_ok=True)
         path = os.path.join(SHOTS, name + ".png")
@@ -112,3 +124,20 @@ def distinct_colours(path):
     out = subprocess.run(["convert", path, "-format", "%k", "info:"], capture_output=True,
                          text=True, check=True).stdout
     return int(out.strip())
+
+
+def difference(a, b):
+    """How many pixels differ between two screenshots."""
+    out = subprocess.run(["compare", "-metric", "AE", a, b, "null:"], capture_output=True,
+                         text=True).stderr
+    return int(float(out.split()[0]))
+
+
+def key_for(action_line, settings_text):
+    """The xdotool name of the key bound to an action in the binding settings (letters only)."""
+    for line in settings_text.splitlines():
+        if line.startswith(action_line + " :"):
+            code = int(line.split(":")[1])
+            if 0 <= code < 26:
+                return chr(ord("a") + code)
+    raise AssertionError("the %s binding is not a letter key" % action_line)

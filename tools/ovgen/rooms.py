@@ -197,12 +197,13 @@ def _back(room, x, y):
 GROUND_POOL = {
     "Forest": [0] * 6 + [1] * 5 + [3] * 3 + [2] * 2 + [4] * 2 + [6] * 2 + [13] * 2
     + [5, 8, 9, 7, 12, 10, 14],
-    "City": [0] * 5 + [1] * 3 + [7] * 2 + [2, 3, 4, 5, 6, 8, 9, 10, 12, 13, 14, 15],
+    "City": [0] * 4 + [1] * 2 + [2] * 3 + [11] * 3 + [3] * 2 + [10] * 2
+    + [4, 5, 6, 7, 8, 12, 14, 13, 15],
 }
 # Foreground silhouettes (indices into FRONT): on floors, for '*' cells, under ceilings.
 FRONT_POOL = {
     "Forest": dict(floor=[0, 1, 2, 3, 18], hand=[4, 4, 0, 2], hang=[15]),
-    "City": dict(floor=[0, 1, 2, 3], hand=[4, 5], hang=[15]),
+    "City": dict(floor=[0, 1, 2, 3], hand=[4, 18], hang=[15]),
 }
 DETAIL_CHANCE = 0.3  # stones, roots and bones in the ground: rare, never side by side
 

@@ -505,9 +505,11 @@ def deco_ground(k):
         fill(c, pixels(T, T, [(15, 27), (16, 26)]), BARK[3])
     elif k == 14:  # reeds with cattails
         for x, h, lean in ((10, 22, -2), (13, 26, 0), (16, 20, 1), (19, 24, 2), (22, 17, 3)):
-            fill(c, lines(T, T, [(x, T - 1), (x + lean, T - h)]), GRASS[2] if lean < 1 else GRASS[1])
+            stem = lines(T, T, [(x, T - 1), (x + lean, T - h)])
+            fill(c, stem, GRASS[2] if lean < 1 else GRASS[1])
             if h > 19:
-                head = rect(T, T, int(x + lean * 0.8), T - h + 2, int(x + lean * 0.8) + 2, T - h + 7)
+                hx = int(x + lean * 0.8)
+                head = rect(T, T, hx, T - h + 2, hx + 2, T - h + 7)
                 shade(c, head, BARK[2:5])
         grass_tuft(c, 16, 6, rng, n=8)
     else:  # standing stone with a faint rune

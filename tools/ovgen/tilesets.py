@@ -87,8 +87,7 @@ SCENE_DECO = [
     ("anim", 10, 7, tc.GLOW[0]), ("anim", 16, 4, tc.LAMP[0]), ("anim", 19, 6, tc.EMBERS[0]),
     ("back", 8, 4, 0), ("back", 2, 6, 2), ("back", 17, 3, 4),
 ]
-SCENE_FRONT = [(0, 10, 0), (1, 10, 1), (2, 10, 2), (20, 9, 4), (21, 9, 5), (0, 1, 6), (1, 1, 7),
-               (2, 1, 9)]
+SCENE_FRONT = [(14, 9, 2), (15, 9, 3), (21, 8, 4), (18, 2, 8), (19, 2, 6), (20, 2, 9)]
 
 
 def _scene_cells():
@@ -111,10 +110,9 @@ def preview(tiles, sky):
 
     for y in range(h):  # back wall
         for x in range(w):
-            if at(x, y) == "B":
-                up, down, left, right = (at(x, y - 1) != "B" and at(x, y - 1) != "#",
-                                         at(x, y + 1) not in "B#", at(x - 1, y) not in "B#",
-                                         at(x + 1, y) not in "B#")
+            if at(x, y) in "B=~":
+                up, down, left, right = (at(x, y - 1) not in "B=~#", at(x, y + 1) not in "B=~#",
+                                         at(x - 1, y) not in "B=~#", at(x + 1, y) not in "B=~#")
                 idx = tc.BACK_TOP if up else tc.BACK_BOTTOM if down else tc.BACK_LEFT if left \
                     else tc.BACK_RIGHT if right else tc.BACK_FILL[rng.randint(4)]
                 put(idx, x, y)
@@ -149,7 +147,7 @@ def preview(tiles, sky):
 
 
 def preview_full(tiles, sky):
-    """The preview with a strip of the sheet's large pieces and the foreground layer."""
+    """The preview with its foreground layer, drawn last as in the game."""
     out = preview(tiles, sky)
     for x, y, k in SCENE_FRONT:
         blit(out, tiles[tc.FRONT[k]], x * T, y * T)

@@ -1,0 +1,70 @@
+"""A player walks the hero with the RIGHT binding, then walks through a door into the next room."""
+import subprocess
+import sys
+import time
+
+from driver import Game, difference, distinct_colours, key_for
+
+# A game saved at the statue of room 4: the hall below it leads west to room 5.
+ROOM4_SAVE = ("////////////////////\nCHECKPOINT DATA :\ncheckpointID 0\nroomID 4\n"
+              "////////////////////\nABILITIES DATA :\ncanDash 0\ncanRun 0\n"
+              "CanCreatePlatform 0\npotionCount 1\n")
+
+
+def start(binary, save=None):
+    game = Game(binary, save)
+    game.wait_for_line("Load Menu\n")
+    game.find_window()
+    game.click(200, 594)  # PLAY
+    game.wait_for_line("nb of collisions : ")
+    time.sleep(2.0)  # the camera settles on the hero
+    return game
+
+
+def walk_moves_the_view(binary):
+    game = start(binary)
+    try:
+        right = key_for("RIGHT", game.read("Assets/Settings/BindingSettings.txt"))
+        before = game.screenshot("walk-before")
+        game.hold(right, 1.5)
+        time.sleep(0.8)
+        after = game.screenshot("walk-after")
+        changed = difference(before, after)
+        assert changed > 1920 * 1080 // 4, "the view hardly moved (%d pixels changed)" % changed
+    finally:
+        game.close()
+
+
+def door_leads_to_the_next_room(binary):
+    game = start(binary, ROOM4_SAVE)
+    try:
+        settings = game.read("Assets/Settings/BindingSettings.txt")
+        right, left = key_for("RIGHT", settings), key_for("LEFT", settings)
+        game.hold(right, 2.5)  # off the statue terrace into the hall
+        time.sleep(0.6)
+        subprocess.run(["xdotool", "keydown", left])
+        try:
+            game.wait_for_line("TRANSITION !!!!!!!!!!!!!!!!!!!\n", timeout=40)
+        finally:
+            subprocess.run(["xdotool", "keyup", left])
+        banner = game.output().index("TRANSITION !!!")
+        deadline = time.time() + 20
+        while "nb of collisions : " not in game.output()[banner:] and time.time() < deadline:
+            time.sleep(0.1)
+        assert "nb of collisions : " in game.output()[banner:], "no room was loaded after the door"
+        time.sleep(2.0)  # walking in while the screen clears
+        arrival = game.screenshot("door-arrival")
+        assert distinct_colours(arrival) > 150, "the next room looks empty"
+        assert "No door found" not in game.output()
+    finally:
+        game.close()
+
+
+def main(binary):
+    walk_moves_the_view(binary)
+    door_leads_to_the_next_room(binary)
+    print("hero end to end: 2 passed, 0 failed")
+
+
+if __name__ == "__main__":
+    main(sys.argv[1])
