@@ -1,4 +1,6 @@
 // Walking through every door of the authored rooms, falling into pits, and dying.
+#include "world/transition.h"
+
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -12,7 +14,6 @@
 #include "world/camera.h"
 #include "world/room.h"
 #include "world/room_lifecycle.h"
-#include "world/transition.h"
 
 namespace {
 

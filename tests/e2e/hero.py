@@ -40,7 +40,7 @@ def door_leads_to_the_next_room(binary):
     try:
         settings = game.read("Assets/Settings/BindingSettings.txt")
         right, left = key_for("RIGHT", settings), key_for("LEFT", settings)
-        game.hold(right, 2.5)  # off the statue terrace into the hall
+        game.hold(right, 4.5)  # off the statue terrace into the hall (software drawing is slow)
         time.sleep(0.6)
         subprocess.run(["xdotool", "keydown", left])
         try:
