@@ -7,6 +7,7 @@
 #include "menus/main_menu.h"
 #include "menus/settings_screen.h"
 #include "player/player.h"
+#include "player/player_combat.h"
 #include "player/save.h"
 #include "world/room_draw.h"
 
@@ -21,17 +22,10 @@ sf::Vector2f MenuPointer(const sf::RenderWindow& window, int x, int y) {
 void MenuMouseMoved(const sf::RenderWindow& window, const sf::Event& event) {
     sf::Vector2f pointer = MenuPointer(window, event.mouseMove.x, event.mouseMove.y);
     switch (GetMenuScreen()) {
-        case MENU_SCREEN_LIST:
-            HoverMenuButtons(pointer);
-            break;
-        case MENU_SCREEN_SETTINGS:
-            SettingsMouseMoved(pointer);
-            break;
-        case MENU_SCREEN_CREDITS:
-            HoverCreditsReturn(pointer);
-            break;
-        default:
-            break;
+        case MENU_SCREEN_LIST: HoverMenuButtons(pointer); break;
+        case MENU_SCREEN_SETTINGS: SettingsMouseMoved(pointer); break;
+        case MENU_SCREEN_CREDITS: HoverCreditsReturn(pointer); break;
+        default: break;
     }
 }
 
@@ -44,32 +38,23 @@ void MenuMousePressed(sf::RenderWindow& window, const sf::Event& event) {
             }
             break;
         }
-        case MENU_SCREEN_SETTINGS:
-            SettingsMousePressed(event);
-            break;
+        case MENU_SCREEN_SETTINGS: SettingsMousePressed(event); break;
         case MENU_SCREEN_CREDITS:
             if (CreditsReturnHovered()) {
                 FreeCredits();
                 SetMenuScreen(MENU_SCREEN_LIST);
             }
             break;
-        default:
-            break;
+        default: break;
     }
 }
 
 void RouteMenuEvent(AppWindow& app, const sf::Event& event) {
     bool onList = GetMenuScreen() == MENU_SCREEN_LIST;
     switch (event.type) {
-        case sf::Event::KeyPressed:
-            SettingsKeyPressed(event);
-            break;
-        case sf::Event::MouseMoved:
-            MenuMouseMoved(*app.window, event);
-            break;
-        case sf::Event::MouseButtonPressed:
-            MenuMousePressed(*app.window, event);
-            break;
+        case sf::Event::KeyPressed: SettingsKeyPressed(event); break;
+        case sf::Event::MouseMoved: MenuMouseMoved(*app.window, event); break;
+        case sf::Event::MouseButtonPressed: MenuMousePressed(*app.window, event); break;
         case sf::Event::JoystickButtonPressed:
             if (onList && event.joystickButton.button == 0) {
                 ChooseMenuEntry(GetSelectedEntry(), *app.window);
@@ -81,8 +66,7 @@ void RouteMenuEvent(AppWindow& app, const sf::Event& event) {
                 if (event.joystickMove.position > 0) MoveMenuSelection(-1);
             }
             break;
-        default:
-            break;
+        default: break;
     }
 }
 
@@ -111,10 +95,18 @@ void GameButtonPressed(unsigned button) {
     if (button == 0 && mayJump && !DownHeld() && !player.body.dashRequest) {
         GetPlayer().body.jumpRequest = 1;
     }
+    if (button == 2) PlayerAttackPressed();
+    if (button == 3) PlayerHeavyPressed();
+    if (button == 4) PlayerParryPressed();
 }
 
-// The triggers: pulling the left one (Z below -0.1) asks for a dash.
-void GameAxisMoved() {
+void GameMousePressed(const sf::Event& event) {
+    if (event.mouseButton.button == sf::Mouse::Left) PlayerAttackPressed();
+    if (event.mouseButton.button == sf::Mouse::Right) PlayerHeavyPressed();
+}
+
+// The triggers: pulling the left one (Z below -0.1) asks for a dash; the pad up drinks a potion.
+void GameAxisMoved(const sf::Event& event) {
     Player& player = GetPlayer();
     int state = player.body.state;
     bool trigger = InputJoystickAxis(0, sf::Joystick::Z) < -0.1f;
@@ -122,33 +114,29 @@ void GameAxisMoved() {
         Save().abilities.canDash) {
         player.body.dashRequest = 1;
     }
+    if (event.joystickMove.axis == sf::Joystick::PovY && event.joystickMove.position > 0) {
+        PlayerPadHeal();
+    }
 }
 
 void RouteGameEvent(const sf::Event& event) {
     switch (event.type) {
-        case sf::Event::KeyPressed:
-            GameKeyPressed(event.key.code);
-            break;
+        case sf::Event::KeyPressed: GameKeyPressed(event.key.code); break;
         case sf::Event::JoystickButtonPressed:
             GameButtonPressed(event.joystickButton.button);
             break;
-        case sf::Event::JoystickMoved:
-            GameAxisMoved();
-            break;
-        default:
-            break;
+        case sf::Event::JoystickMoved: GameAxisMoved(event); break;
+        case sf::Event::MouseButtonPressed: GameMousePressed(event); break;
+        default: break;
     }
 }
 
 bool IsJoystickEventOfOtherPad(const sf::Event& event) {
     switch (event.type) {
         case sf::Event::JoystickButtonPressed:
-        case sf::Event::JoystickButtonReleased:
-            return event.joystickButton.joystickId != 0;
-        case sf::Event::JoystickMoved:
-            return event.joystickMove.joystickId != 0;
-        default:
-            return false;
+        case sf::Event::JoystickButtonReleased: return event.joystickButton.joystickId != 0;
+        case sf::Event::JoystickMoved: return event.joystickMove.joystickId != 0;
+        default: return false;
     }
 }
 

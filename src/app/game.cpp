@@ -4,11 +4,13 @@
 
 #include "app/region_music.h"
 #include "common/log.h"
+#include "enemies/enemies.h"
 #include "menus/credits.h"
 #include "menus/settings_screen.h"
 #include "player/player.h"
 #include "player/save.h"
 #include "world/camera.h"
+#include "world/doors.h"
 #include "world/room.h"
 #include "world/room_draw.h"
 #include "world/room_lifecycle.h"
@@ -63,10 +65,21 @@ void RunWorld(float dt) {
     UpdateCamera(dt, GetPlayerPosition());
     RequestShake();
     UpdatePlayer(dt);
+    bool dead = GetPlayer().body.state == PLAYER_DEAD;
+    sf::FloatRect body = PlayerBodyBounds();
+    sf::Vector2f target =
+        dead ? sf::Vector2f()
+             : sf::Vector2f(body.left + body.width / 2, body.top + body.height / 2);
+    UpdateEnemies(dt, target);
+    FadeEnemyFlashes(dt);
     CheckDeathZones();
+    CheckLockedDoorTriggers(PlayerBodyBounds());
+    UpdateDoors(CountDeadEnemies(), dt);
     UpdateRoomProximity(view.getCenter(), 1.21f * view.getSize().x, dt);
     if (Transition().respawnStep == 0) ClampViewToContainer();
     if (!Transition().transitionActive) CheckTransitionDoors();
+    EnemiesHitPlayer();
+    PlayerHitsEnemies();
 }
 
 void RunSequences(sf::RenderWindow& window, float dt) {
@@ -97,6 +110,7 @@ void LoadGame(sf::RenderWindow& window) {
     flags = OverlayFlags();
     LoadSave();
     CreatePlayer({0, 0});
+    LoadEnemyAssets();
     CreateCamera(GetPlayerPosition());
     LoadNextTargetRoom(window, Save().roomID);
     SetPlayerPosition(CheckpointPosition(Save().checkpointID));
@@ -123,8 +137,11 @@ void DrawGame(sf::RenderWindow& window) {
     if (!loaded) return;
     // The world is drawn with the view the window kept from the previous frame.
     DrawRoomBackgrounds(window);
+    DrawEnemies(window, false, true);
+    DrawDoors(window);
     DrawRoomMiddleLayers(window);
     DrawRoomDebug(window);
+    DrawEnemies(window, true, false);
     DrawPlayer(window);
     DrawRoomForeground(window);
     window.setView(*GameCamera().view);
@@ -135,6 +152,7 @@ void DrawGame(sf::RenderWindow& window) {
 void CleanupGame() {
     if (!loaded) return;
     DestroyCamera();
+    DestroyEnemyAssets();
     CleanupRoom();
     FreeSettingsScreen();
     FreeCredits();

@@ -17,11 +17,8 @@ void DrawDrawList(const DrawList& list, sf::RenderTarget& target) {
         switch (entry->kind) {
             case DRAW_LIST_SPRITE:
             case DRAW_LIST_CIRCLE:
-            case DRAW_LIST_RECTANGLE:
-                target.draw(*entry->handle);
-                break;
-            default:
-                break;
+            case DRAW_LIST_RECTANGLE: target.draw(*entry->handle); break;
+            default: break;
         }
     }
 }

@@ -46,33 +46,23 @@ float BackInOut(float t) {
 
 float Ease(int kind, float t) {
     switch (kind) {
-        case EASE_LINEAR:
-            return t;
-        case EASE_CUBIC_IN:
-            return t * t * t;
-        case EASE_CUBIC_OUT:
-            return 1.0f - (1.0f - t) * (1.0f - t) * (1.0f - t);
+        case EASE_LINEAR: return t;
+        case EASE_CUBIC_IN: return t * t * t;
+        case EASE_CUBIC_OUT: return 1.0f - (1.0f - t) * (1.0f - t) * (1.0f - t);
         case EASE_CUBIC_IN_OUT: {
             if (t < 0.5f) return 4.0f * t * t * t;
             float u = 2.0f - 2.0f * t;
             return 1.0f - u * u * u / 2.0f;
         }
-        case EASE_BOUNCE_IN:
-            return 1.0f - BounceOut(1.0f - t);
-        case EASE_BOUNCE_OUT:
-            return BounceOut(t);
+        case EASE_BOUNCE_IN: return 1.0f - BounceOut(1.0f - t);
+        case EASE_BOUNCE_OUT: return BounceOut(t);
         case EASE_BOUNCE_IN_OUT:
             return t < 0.5f ? (1.0f - BounceOut(1.0f - 2.0f * t)) / 2.0f
                             : (1.0f + BounceOut(2.0f * t - 1.0f)) / 2.0f;
-        case EASE_ELASTIC_IN:
-            return ElasticIn(t);
-        case EASE_ELASTIC_OUT:
-            return ElasticOut(t);
-        case EASE_ELASTIC_IN_OUT:
-            return ElasticInOut(t);
-        case EASE_BACK_IN_OUT:
-            return BackInOut(t);
-        default:
-            return 0.0f;
+        case EASE_ELASTIC_IN: return ElasticIn(t);
+        case EASE_ELASTIC_OUT: return ElasticOut(t);
+        case EASE_ELASTIC_IN_OUT: return ElasticInOut(t);
+        case EASE_BACK_IN_OUT: return BackInOut(t);
+        default: return 0.0f;
     }
 }

@@ -88,14 +88,9 @@ void DrawMenu(sf::RenderWindow& window) {
             layer.draw(*menu.titleBottom);
             DrawSelector(layer, menu.selector);
             break;
-        case MENU_SCREEN_SETTINGS:
-            DrawSettingsScreen(layer);
-            break;
-        case MENU_SCREEN_CREDITS:
-            DrawCredits(layer);
-            break;
-        default:
-            break;
+        case MENU_SCREEN_SETTINGS: DrawSettingsScreen(layer); break;
+        case MENU_SCREEN_CREDITS: DrawCredits(layer); break;
+        default: break;
     }
     layer.display();
     window.draw(*menu.layerSprite);
@@ -163,11 +158,8 @@ void ChooseMenuEntry(int entry, sf::RenderWindow& window) {
             SetMenuScreen(MENU_SCREEN_CREDITS);
             LoadCredits();
             break;
-        case MENU_ENTRY_QUIT:
-            window.close();
-            break;
-        default:
-            break;
+        case MENU_ENTRY_QUIT: window.close(); break;
+        default: break;
     }
 }
 

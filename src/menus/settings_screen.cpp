@@ -175,9 +175,7 @@ bool PressButton(int index) {
             WriteSettings();
             LeaveToList();
             return false;
-        case BUTTON_CANCEL:
-            RestoreFromFiles();
-            return true;
+        case BUTTON_CANCEL: RestoreFromFiles(); return true;
         case BUTTON_APPLY:
             WriteSettings();
             SetSquare(false);
@@ -186,8 +184,7 @@ bool PressButton(int index) {
             RestoreFromFiles();
             LeaveToList();
             return false;
-        default:
-            return true;
+        default: return true;
     }
 }
 

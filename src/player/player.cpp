@@ -6,6 +6,7 @@
 #include "app/input.h"
 #include "common/log.h"
 #include "menus/settings_files.h"
+#include "player/player_combat.h"
 #include "player/save.h"
 
 namespace {
@@ -179,6 +180,7 @@ void CreatePlayer(sf::Vector2f spawnPosition) {
     for (int i = 0; i < PLAYER_SOUND_COUNT; i++) {
         LoadSoundArray(player.sounds[i], kSoundFiles[i], 100, 0, SOUND_EFFECTS, 0);
     }
+    LoadEffectList(player.parryEffects, "Assets/Sprites/FX/PlayerparryFX.png", {78, 76}, 5, 10);
     CreateShapes();
     player.created = true;
 }
@@ -197,50 +199,48 @@ void SetPlayerState(int state) {
     player.stateTimer = 0;
     if (state == PLAYER_TAKE_DAMAGE) PickDamagePose();
     switch (state) {
-        case PLAYER_DASH:
-            CreateSoundArray(player.sounds[SOUND_DASH], 1);
-            break;
+        case PLAYER_DASH: CreateSoundArray(player.sounds[SOUND_DASH], 1); break;
         case PLAYER_LIGHT_ATTACK_1:
         case PLAYER_LIGHT_ATTACK_2:
-        case PLAYER_LIGHT_ATTACK_3:
-            CreateSoundArray(player.sounds[SOUND_LIGHT_ATTACK], 1);
-            break;
+        case PLAYER_LIGHT_ATTACK_3: CreateSoundArray(player.sounds[SOUND_LIGHT_ATTACK], 1); break;
         case PLAYER_HEAVY_ATTACK_HIT:
-        case PLAYER_JUMP_ATTACK_HIT:
-            CreateSoundArray(player.sounds[SOUND_HEAVY_ATTACK], 1);
-            break;
-        case PLAYER_PARRY:
-            CreateSoundArray(player.sounds[SOUND_PARRY], 1);
-            break;
+        case PLAYER_JUMP_ATTACK_HIT: CreateSoundArray(player.sounds[SOUND_HEAVY_ATTACK], 1); break;
+        case PLAYER_PARRY: CreateSoundArray(player.sounds[SOUND_PARRY], 1); break;
         case PLAYER_TAKE_DAMAGE:
             if (VoiceCount(player.sounds[SOUND_TAKE_DAMAGE]) == 0) {
                 CreateSoundArray(player.sounds[SOUND_TAKE_DAMAGE], 1);
             }
             break;
-        default:
-            break;
+        default: break;
     }
 }
 
 void HandlePlayerKeyPressed(int key) {
     PlayerBody& body = player.body;
-    if (!player.created || !body.controllable) return;
+    if (!player.created) return;
+    const SettingsValues& settings = Settings();
+    // A potion can be drunk whatever holds the hero's control.
+    if (key == settings.bindings[BINDING_HEAL]) PlayerDrinkPotion();
+    if (!body.controllable) return;
     int state = body.state;
-    if (key == Settings().bindings[BINDING_JUMP] && !DownHeld() &&
+    if (key == settings.bindings[BINDING_JUMP] && !DownHeld() &&
         (state == PLAYER_IDLE || state == PLAYER_WALK || state == PLAYER_DASH ||
          state == PLAYER_RUN || state == PLAYER_FALL)) {
         body.jumpRequest = 1;
     }
-    if (key == Settings().bindings[BINDING_DASH] &&
-        (state == PLAYER_IDLE || state == PLAYER_WALK) && Save().abilities.canDash) {
-        body.dashRequest = 1;
+    if (key == settings.bindings[BINDING_DASH] && Save().abilities.canDash) {
+        bool onFoot = state == PLAYER_IDLE || state == PLAYER_WALK;
+        bool inCombo = state >= PLAYER_LIGHT_ATTACK_1 && state <= PLAYER_LIGHT_ATTACK_3;
+        if (onFoot || (inCombo && !body.comboRequest)) body.dashRequest = 1;
     }
+    if (key == settings.bindings[BINDING_PARRY]) PlayerParryPressed();
 }
 
 void DrawPlayer(sf::RenderTarget& target) {
     if (!player.created) return;
     for (const Ghost& ghost : player.trail) target.draw(ghost.sprite);
     target.draw(*player.sprite);
+    DrawEffects(target, player.parryEffects);
 }
 
 sf::Vector2f GetPlayerPosition() {

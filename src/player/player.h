@@ -8,6 +8,7 @@
 
 #include "common/drawables.h"
 #include "media/animation.h"
+#include "media/effects.h"
 #include "media/sound.h"
 
 enum PlayerState {
@@ -101,6 +102,7 @@ struct Player {
     std::vector<Ghost> trail;
     float trailTimer = 0;
     std::array<SoundArray, PLAYER_SOUND_COUNT> sounds;
+    EffectList parryEffects;
     sf::RectangleShape bodyBox;
     std::array<sf::RectangleShape, 4> sensors;  // by Contact
     sf::RectangleShape attackBox;

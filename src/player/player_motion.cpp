@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "player/player.h"
+#include "player/player_combat.h"
 #include "player/save.h"
 #include "world/room.h"
 
@@ -83,6 +84,7 @@ void UpdateIdle() {
     PlayerBody& body = Body();
     body.groundMode = PLAYER_IDLE;
     bool right = RightHeld(), left = LeftHeld();
+    if (StartGroundCombat(true)) return;
     if (body.jumpRequest && !Blocked(CONTACT_UP)) {
         SetPlayerState(PLAYER_JUMP);
     } else if (!Blocked(CONTACT_DOWN)) {
@@ -100,7 +102,8 @@ void UpdateWalk(float dt) {
     Steer(dt);
     Face();
     Footsteps();
-    if (body.vx == 0) {
+    if (StartGroundCombat(true)) {
+    } else if (body.vx == 0) {
         SetPlayerState(PLAYER_IDLE);
     } else if (body.jumpRequest && !Blocked(CONTACT_UP)) {
         SetPlayerState(PLAYER_JUMP);
@@ -114,7 +117,10 @@ void UpdateRun(float dt) {
     body.groundMode = PLAYER_RUN;
     Forward(dt, 1.7f);
     Footsteps();
-    if (body.vx == 0 || !RunHeld()) SetPlayerState(PLAYER_IDLE);
+    if (StartGroundCombat(false)) {
+    } else if (body.vx == 0 || !RunHeld()) {
+        SetPlayerState(PLAYER_IDLE);
+    }
     bool right = RightHeld(), left = LeftHeld();
     if (!Blocked(CONTACT_DOWN)) {
         SetPlayerState(PLAYER_FALL);
@@ -162,7 +168,8 @@ void UpdateJump(float dt) {
     if (Blocked(CONTACT_UP)) body.vy = 1.0f;
     bool risenPastHop = body.anchor.y - GetPlayerPosition().y > 100;
     if (!JumpHeld() && risenPastHop && body.vy < -3) body.vy = -3;
-    if (body.vy >= 5) {
+    if (StartJumpAttack()) {
+    } else if (body.vy >= 5) {
         SetPlayerState(PLAYER_FALL);
     } else if (Blocked(CONTACT_DOWN) && body.vy >= 0) {
         Land();
@@ -174,7 +181,10 @@ void UpdateFall(float dt) {
     PlayerBody& body = Body();
     if (body.vy < 0) body.vy = 5;
     AirMove(dt);
-    if (Blocked(CONTACT_DOWN)) Land();
+    if (StartJumpAttack()) {
+    } else if (Blocked(CONTACT_DOWN)) {
+        Land();
+    }
     if (Blocked(CONTACT_LEFT) || Blocked(CONTACT_RIGHT)) body.groundMode = PLAYER_WALK;
 }
 
@@ -184,29 +194,14 @@ void UpdateRevive() {
 
 void RunStateMachine(float dt) {
     switch (Body().state) {
-        case PLAYER_IDLE:
-            UpdateIdle();
-            break;
-        case PLAYER_WALK:
-            UpdateWalk(dt);
-            break;
-        case PLAYER_RUN:
-            UpdateRun(dt);
-            break;
-        case PLAYER_DASH:
-            UpdateDash(dt);
-            break;
-        case PLAYER_JUMP:
-            UpdateJump(dt);
-            break;
-        case PLAYER_FALL:
-            UpdateFall(dt);
-            break;
-        case PLAYER_REVIVE:
-            UpdateRevive();
-            break;
-        default:
-            break;
+        case PLAYER_IDLE: UpdateIdle(); break;
+        case PLAYER_WALK: UpdateWalk(dt); break;
+        case PLAYER_RUN: UpdateRun(dt); break;
+        case PLAYER_DASH: UpdateDash(dt); break;
+        case PLAYER_JUMP: UpdateJump(dt); break;
+        case PLAYER_FALL: UpdateFall(dt); break;
+        case PLAYER_REVIVE: UpdateRevive(); break;
+        default: UpdateCombatState(Body().state, dt); break;
     }
 }
 
@@ -416,6 +411,7 @@ void UpdatePlayer(float dt) {
     player.sprite->move(body.vx, body.vy);
     UpdateAnimation(player.clips[body.state], dt);
     AdvanceCooldowns(dt);
+    UpdateEffects(player.parryEffects, dt);
     for (SoundArray& sound : player.sounds) UpdateSoundArray(sound, GetPlayerPosition());
     PushOutOfSolids();
     CatchOnOneWayPlatforms();

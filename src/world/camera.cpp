@@ -146,8 +146,7 @@ void UpdateBossFocus(float dt, sf::Vector2f followCenter) {
                 camera.mode = CAMERA_FOLLOW;
             }
             break;
-        default:
-            break;
+        default: break;
     }
 }
 
@@ -182,17 +181,10 @@ void UpdateCamera(float dt, sf::Vector2f target) {
         return;
     }
     switch (camera.mode) {
-        case CAMERA_FOLLOW:
-            FollowTarget(desired);
-            break;
-        case CAMERA_FIXED:
-            camera.view->setCenter(camera.fixedCenter);
-            break;
-        case CAMERA_BLEND:
-            BlendCamera(dt, desired);
-            break;
-        default:
-            break;
+        case CAMERA_FOLLOW: FollowTarget(desired); break;
+        case CAMERA_FIXED: camera.view->setCenter(camera.fixedCenter); break;
+        case CAMERA_BLEND: BlendCamera(dt, desired); break;
+        default: break;
     }
     if (camera.shake && camera.shakeAmplitude > 0) {
         int half = camera.shakeAmplitude / 2;

@@ -259,6 +259,8 @@ void ReadLayerContents(const TiledLayer& layer) {
     if (name == "Trigger") ReadTriggers(layer);
     if (name == "Player") ReadPlayerSpawns(layer);
     if (name == "TransitionDoor") ReadTransitionDoors(layer);
+    if (name == "Door group" && layer.type == "group")
+        BuildDoors(layer, room.scale, room.doorLists);
     if (name == "Enemies") ReadEnemies(layer);
     if (name == "DeathZone") ReadDeathZones(layer);
     if (name == "CameraContainer") ReadCameraContainer(layer);
@@ -292,6 +294,7 @@ void ResetRoomContents(int roomNumber) {
     room.backgrounds.clear();
     room.chestSpawns.clear();
     room.tileAnimations.clear();
+    room.doorLists.clear();
     room.hasMerchant = 0;
     room.roomNumber = roomNumber;
     room.loaded = false;
@@ -309,6 +312,16 @@ void CreateProximityCircle() {
 
 void FreeLoadingScreen() {
     loading = LoadingScreen();
+}
+
+// Doors block through the room's collisions: each shares its rectangle with its entry.
+void LinkDoorCollisions() {
+    for (DoorList& list : room.doorLists) {
+        for (Door& door : list.doors) {
+            door.collisionIndex = int(room.collisions.size());
+            room.collisions.push_back({door.shape, COLLISION_SOLID, door.closed});
+        }
+    }
 }
 
 }  // namespace
@@ -348,6 +361,7 @@ void LoadRoomMap(sf::RenderWindow& window, const std::string& mapPath, int tileS
         if (layer.hasData) BuildTileLayer(layer, tileset, int(room.layers.size()) - 1);
         ReadLayerContents(layer);
     }
+    LinkDoorCollisions();
     FreeTiledTileset(tileset);
     FreeTiledMap(map);
     FreeLoadingScreen();

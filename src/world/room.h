@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "common/drawables.h"
+#include "world/doors.h"
 
 using ShapePtr = std::shared_ptr<sf::RectangleShape>;
 
@@ -110,6 +111,7 @@ struct Room {
     std::vector<Background> backgrounds;
     std::vector<ChestSpawn> chestSpawns;
     std::vector<TileAnimation> tileAnimations;
+    std::vector<DoorList> doorLists;
     ShapePtr cameraContainer;
     ShapePtr merchantZone;
     sf::Vector2f merchantPosition;

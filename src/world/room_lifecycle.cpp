@@ -1,6 +1,8 @@
 #include "world/room_lifecycle.h"
 
+#include "enemies/enemies.h"
 #include "world/camera.h"
+#include "world/doors.h"
 #include "world/room.h"
 
 namespace {
@@ -18,6 +20,11 @@ void LoadNextTargetRoom(sf::RenderWindow& window, int roomNumber) {
         if (camera.mode == CAMERA_FOLLOW) camera.targetSize = fitted;
         if (camera.mode == CAMERA_FIXED) camera.fixedSize = fitted;
         camera.view->setSize(fitted);
+    }
+    const Room& room = CurrentRoom();
+    CreateDoorSprites(room.region);
+    for (const EnemySpawn& spawn : room.enemySpawns) {
+        AddEnemy(spawn.enemyType, spawn.position, spawn.containerId, room.region);
     }
 }
 

@@ -33,12 +33,10 @@ sf::Vector2f WalkGoal(int direction, sf::Vector2f position, const sf::FloatRect&
     switch (direction) {
         case TRANSITION_RIGHT:
             return {leaving ? door.left + door.width : transition.arrivalPoint.x, position.y};
-        case TRANSITION_UP:
-            return {position.x, leaving ? door.top : transition.arrivalPoint.y};
+        case TRANSITION_UP: return {position.x, leaving ? door.top : transition.arrivalPoint.y};
         case TRANSITION_DOWN:
             return {position.x, leaving ? door.top + 2 * door.height : transition.arrivalPoint.y};
-        default:
-            return {leaving ? door.left : transition.arrivalPoint.x, position.y};
+        default: return {leaving ? door.left : transition.arrivalPoint.x, position.y};
     }
 }
 
@@ -219,9 +217,7 @@ int WalkThroughDoor(int direction, sf::Sprite& sprite, int door, float dt) {
             return MoveSpriteTowards(sprite, goal, walkSpeed, dt, 1);
         case TRANSITION_DOWN:
             return MoveSpriteTowards(sprite, goal, GetPlayer().tuning.maxFallSpeed, 1, 1);
-        default:
-            SetPlayerFacing(false);
-            return MoveSpriteTowards(sprite, goal, walkSpeed, dt, 1);
+        default: SetPlayerFacing(false); return MoveSpriteTowards(sprite, goal, walkSpeed, dt, 1);
     }
 }
 
@@ -313,7 +309,6 @@ void UpdateRespawnSequence(sf::RenderWindow& window) {
             player.lastSafePosition = GetPlayerPosition();
             transition.respawnStep = 0;
             break;
-        default:
-            break;
+        default: break;
     }
 }

@@ -26,8 +26,8 @@ def walk_moves_the_view(binary):
     try:
         right = key_for("RIGHT", game.read("Assets/Settings/BindingSettings.txt"))
         before = game.screenshot("walk-before")
-        game.hold(right, 1.5)
-        time.sleep(0.8)
+        game.hold(right, 3.0)
+        time.sleep(1.0)
         after = game.screenshot("walk-after")
         changed = difference(before, after)
         assert changed > 1920 * 1080 // 4, "the view hardly moved (%d pixels changed)" % changed

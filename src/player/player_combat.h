@@ -1,0 +1,27 @@
+// The hero's fighting: the three-hit combo, the charged heavy attack, the jump attack, the parry,
+// taking damage, revival, potions and the slow regeneration of life.
+#pragma once
+
+#include <SFML/System/Vector2.hpp>
+
+// The damage an enemy hit deals to the hero, from where it came.
+void HurtPlayer(int damage, sf::Vector2f attackerPosition);
+
+// From IDLE, WALK or RUN: a held heavy attack, a parry or a light attack begins. Returns whether
+// a fight state was entered.
+bool StartGroundCombat(bool parryAllowed);
+// From JUMP or FALL: a requested jump attack begins.
+bool StartJumpAttack();
+// The state handlers of the fight states; returns false for a state that is not one of them.
+bool UpdateCombatState(int state, float dt);
+
+// Input from the routing: attack press, heavy / jump-attack press, parry press, heal press.
+void PlayerAttackPressed();
+void PlayerHeavyPressed();
+void PlayerParryPressed();
+void PlayerDrinkPotion();
+// The heal of the gamepad's vertical pad: any state, one potion fills the current segment.
+void PlayerPadHeal();
+
+// The damage of the hero's state when its damage frame shows, else 0.
+int PlayerAttackDamage();
