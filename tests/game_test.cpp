@@ -16,7 +16,7 @@
 
 namespace {
 
-const int kAuthoredRooms[] = {1, 2, 3, 4, 5, 11};
+const int kAuthoredRooms[] = {1, 2, 3, 4, 5, 6, 7, 11};
 
 class GameTest : public AppTest {
 protected:

@@ -56,7 +56,7 @@ struct DoorCase {
 
 TEST_F(TransitionTest, EveryDoorLeadsToItsRoomAndTheHeroArrivesInControl) {
     std::vector<DoorCase> doors;
-    for (int room : {1, 2, 3, 4, 5, 11}) {
+    for (int room : {1, 2, 3, 4, 5, 6, 7, 11}) {
         Enter(room);
         for (int i = 0; i < int(CurrentRoom().transitionDoors.size()); i++) {
             int target = CurrentRoom().transitionDoors[i].targetedRoom;

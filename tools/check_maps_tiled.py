@@ -12,7 +12,11 @@ For each Assets/Maps/Rooms/Room*.json (or the maps given) this
   door spawns (links resolve where the target room exists and lead back, arrival sides, spawns
   outside door rectangles, Left/Right doors ending at the floor, a ledge over Down holes and no
   floor under them), enemies standing on the floor inside their containers, checkpoint ids 0..n-1,
-  statue triggers near their statue, one camera container, chest and merchant objects.
+  statue triggers near their statue, one camera container, chest and merchant objects, and locked
+  door groups (every "Locked Door trigger" names a group and every group has one; doors one tile
+  wide, at least three tall, standing on the floor under solid middle-layer terrain as tall as the
+  door, where the raised door hides; no trigger over its own doors; "enemyToKill" no more than the
+  enemies of the room that can die).
 Exit 1 when any map fails. The last line is "maps open in Tiled: N passed, M failed".
 """
 import json
@@ -31,6 +35,9 @@ DIRECTIONS = ("Left", "Right", "Up", "Down")
 OPPOSITE = {"Left": "Right", "Right": "Left", "Up": "Down", "Down": "Up"}
 GID_FLAGS = 0xE0000000
 BODY_HALF_W, BODY_H = 40 / 3, 180 / 3  # the hero's body in map px (80 x 180 world)
+UNDYING = {5, 7}  # Plant and Goddess never die: they never count towards "enemyToKill"
+LOCKDOOR_MIN_H = 3 * 32  # a locked door is at least three tiles tall
+DOOR_BASE = ROOT / "Assets" / "Sprites" / "Objects" / "Door" / "{}-DoorDownPart.png"
 NOISE = re.compile(r"^(QStandardPaths: XDG_RUNTIME_DIR not set.*|)$")
 
 
@@ -137,12 +144,15 @@ class MapCheck:
         return layer["objects"] if layer else []
 
     # -- collision grid from the tile layers and the tileset
-    def collision(self, tileset):
+    def collision(self, tileset, middle_only=False):
+        """Solid and one-way cells; with middle_only, only the tile layers drawn between the
+        backdrops' "Background" layer and the "Foreground" (the ones that hide a raised door)."""
         w, h = self.map["width"], self.map["height"]
         solid = [[False] * w for _ in range(h)]
         oneway = [[False] * w for _ in range(h)]
         for layer in self.map["layers"]:
-            if layer["type"] != "tilelayer":
+            if layer["type"] != "tilelayer" or \
+                    middle_only and layer["name"] in ("Background", "Foreground"):
                 continue
             for i, gid in enumerate(layer["data"]):
                 if not gid:
@@ -308,6 +318,7 @@ class MapCheck:
                       and c["y"] + BODY_H < o["y"] <= c["y"] + c["height"] <= o["y"] + tw):
                 self.err(f"enemy at ({o['x']}, {o['y']}): container {cid} must hold it, reach "
                          "above its head and end at its floor")
+        self.check_door_groups()
         # chest and merchant
         chests = self.objects("Chest")
         chest_triggers = [o for o in self.objects("Trigger") if o["name"] == "Chest trigger"]
@@ -327,10 +338,98 @@ class MapCheck:
                     zones[0]["x"] + zones[0]["width"] > points[0]["x"] + 50:
                 self.err("the merchant zone reaches more than 150 px from the merchant")
 
+    def check_door_groups(self):
+        """The structure of "Door group", its triggers and the kills it waits for."""
+        self.lock_doors = []  # (group id, door rectangle)
+        top = [layer for layer in self.map["layers"] if layer["name"] == "Door group"]
+        if len(top) > 1 or top and top[0]["type"] != "group":
+            self.err('"Door group" must be one group layer')
+            top = []
+        groups = {}
+        for g in top[0]["layers"] if top else []:
+            gid = _value(g, "id")
+            if g["type"] != "group" or _props(g).get("enemyToKill", {}).get("type") != "int" \
+                    or _props(g).get("id", {}).get("type") != "int":
+                self.err(f'"Door group" child "{g["name"]}" must be a group with int '
+                         '"enemyToKill" and "id"')
+                continue
+            if gid in groups:
+                self.err(f"two door groups have id {gid}")
+            groups[gid] = g
+            doors = g["layers"]
+            if not doors:
+                self.err(f"door group {gid} has no door")
+            for d in doors:
+                objs = d.get("objects", [])
+                if d["type"] != "objectgroup" or len(objs) != 1 or objs[0].get("point") \
+                        or objs[0].get("ellipse") or "polygon" in objs[0] \
+                        or _props(objs[0]).get("isClosed", {}).get("type") != "bool":
+                    self.err(f'door group {gid}: "{d["name"]}" must be an object layer holding '
+                             'one rectangle with a bool "isClosed"')
+                    continue
+                self.lock_doors.append((gid, objs[0]))
+        triggers = [o for o in self.objects("Trigger") if o["name"] == "Locked Door trigger"]
+        named = set()
+        for o in triggers:
+            if not o.get("properties"):
+                continue  # reported with the other triggers
+            gid = o["properties"][0]["value"]
+            named.add(gid)
+            if gid not in groups:
+                self.err(f'a "Locked Door trigger" closes door group {gid}, which does not exist')
+            for g, d in self.lock_doors:
+                if g == gid and o["x"] < d["x"] + d["width"] and d["x"] < o["x"] + o["width"] \
+                        and o["y"] < d["y"] + d["height"] and d["y"] < o["y"] + o["height"]:
+                    self.err(f'a "Locked Door trigger" of group {gid} overlaps one of its doors '
+                             "(it would close on the hero)")
+        for gid in sorted(set(groups) - named):
+            self.err(f'door group {gid} has no "Locked Door trigger" (it never closes)')
+        killable = sum(1 for o in self.objects("Enemies") if o["name"] == "EnemySpawn"
+                       and _value(o, "EnemyType") in range(8)
+                       and _value(o, "EnemyType") not in UNDYING)
+        for gid, g in groups.items():
+            kill = _value(g, "enemyToKill")
+            if not 0 <= kill <= killable:
+                self.err(f'door group {gid} waits for {kill} kills; the room holds {killable} '
+                         "enemies that can die (Plant and Goddess never do)")
+
+    def check_lock_doors(self, tileset, solid):
+        """Locked doors: their size, the floor under them and the rock that hides them open."""
+        hidden, _ = self.collision(tileset, middle_only=True)
+        h = self.map["height"]
+        region = _value(self.map, "tsx name")
+        base = Path(str(DOOR_BASE).format(region))
+        min_h = LOCKDOOR_MIN_H
+        if base.is_file():  # the door's base piece is drawn x3 at the bottom of the rectangle
+            from PIL import Image  # only needed once the door pictures exist
+            with Image.open(base) as im:
+                min_h = max(min_h, (3 * 3 * im.height + 3) / 3)
+        for gid, d in self.lock_doors:
+            where = f'door group {gid}: the door at ({d["x"]}, {d["y"]})'
+            if d["width"] != 32 or d["x"] % 32 or d["y"] % 32 or d["height"] % 32:
+                self.err(f"{where} must be one tile wide and sit on the tile grid")
+                continue
+            if d["height"] < min_h:
+                self.err(f"{where} is {d['height']} map px tall, less than {min_h:g}")
+            c, r0 = int(d["x"]) // 32, int(d["y"]) // 32
+            rows = int(d["height"]) // 32
+            r1 = r0 + rows - 1
+            if not 0 <= c < self.map["width"] or r0 < 0 or r1 >= h:
+                self.err(f"{where} lies outside the map")
+                continue
+            if any(solid[r][c] for r in range(r0, r1 + 1)):
+                self.err(f"{where} has solid ground inside it")
+            if r1 + 1 >= h or not solid[r1 + 1][c]:
+                self.err(f"{where} must stand on a solid floor")
+            if r0 - rows < 0 or not all(hidden[r][c] for r in range(r0 - rows, r0)):
+                self.err(f"{where} needs solid middle-layer terrain {rows} tiles tall right above "
+                         "it, where the open door hangs")
+
     def check_space(self, tileset):
         """Walls, floors under standing points, door openings."""
         solid, oneway = self.collision(tileset)
         w, h = self.map["width"], self.map["height"]
+        self.check_lock_doors(tileset, solid)
         doors = list(self.doors.values())
 
         def in_door(cx, cy):

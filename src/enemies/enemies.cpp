@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "app/game.h"
+#include "common/log.h"
 #include "common/motion.h"
 #include "enemies/trash.h"
 #include "media/effects.h"
@@ -201,6 +202,7 @@ void PlayerHitsEnemies() {
             player.body.hitDealt = 1;
             CreateSoundArray(player.sounds[SOUND_HIT], 0);
             GetEnemySprite(i, kind)->setColor(sf::Color::Red);
+            if (life && *life < 1) Log("enemy down : kind %d\n", kind);
         }
     }
 }

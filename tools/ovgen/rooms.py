@@ -12,6 +12,9 @@ A source has three parts (the format is described in full in docs/world.md):
     end
     door 0 Left 2:1 A           objects, placed by the capital letters of the grid
     enemy slime E
+    lockgroup 1 kill 3          a locked door group, its doors and the trigger that closes it
+    lockdoor 1 K
+    locktrigger 1 Q
 
 The grid is terrain and hand-placed decoration; everything else (autotiled edges, grass, hanging
 roots, back-wall borders, door spawns, enemy containers, death zones, the camera container) is
@@ -48,13 +51,27 @@ HAND_GROUND = "d"     # force ground decoration here
 HAND_HANG = "v"       # force hanging decoration here
 HAND_FRONT = "*"      # a foreground silhouette here
 NO_DECOR = "x"        # keep this cell free of generated decoration
+PIECES = {            # chosen pieces, drawn in the "Decor" layer: (on the floor, hanging)
+    "s": tc.DECO_GROUND[15],   # a standing stone with a rune
+    "k": tc.DECO_GROUND[10],   # an old skull in the moss
+    "m": tc.DECO_GROUND[7],    # a big glowing cap
+    "n": tc.DECO_HANG[1],      # long vines; stack them for a curtain down a wall
+}
+CARVINGS = {          # back-wall cells with a chosen carving, drawn in the "Background" layer
+    "r": tc.BACK_DETAIL[0],    # a carved rune
+    "c": tc.BACK_DETAIL[4],    # a crystal vein
+    "o": tc.BACK_DETAIL[5],    # an old carved face
+}
 ALPHABET = set(SOLID + AIR + BACK + ONEWAY + BRIDGE + WATER + SPIKES + TRUNK + HAND_GROUND
-               + HAND_HANG + HAND_FRONT + NO_DECOR) | set(MARKS) | set("ABCDEFGHIJKLMNOPQRSTUVWXYZ")
+               + HAND_HANG + HAND_FRONT + NO_DECOR) | set(MARKS) | set(PIECES) | set(CARVINGS) \
+    | set("ABCDEFGHIJKLMNOPQRSTUVWXYZ")
 
 ENEMY_TYPES = {"frog": 0, "king": 1, "nomad": 2, "trash": 3, "slime": 4, "plant": 5,
                "knight": 6, "goddess": 7}
 DIRECTIONS = ("Left", "Right", "Up", "Down")
 ABILITIES = {"dash": 0, "run": 1, "cloud": 2}
+UNDYING = {"plant", "goddess"}  # never die, so they never count towards a door group's kills
+LOCKDOOR_MIN_ROWS = 3  # a locked door is at least three tiles tall
 
 # Decoration density per region: ground decor, hanging decor, fireflies in open air,
 # glowing moss on cave floors, foreground silhouettes.
@@ -184,11 +201,12 @@ def _run_tile(room, x, y, ch, left, middle, right, single):
 def _back(room, x, y):
     """Whether an air cell shows the back wall: drawn ':' cells, and marked cells beside them."""
     ch = room.cell(x, y)
-    if ch == BACK:
+    if ch == BACK or ch in CARVINGS:
         return True
     if ch in (SOLID, AIR) or not (0 <= x < room.width and 0 <= y < room.height):
         return False
-    return any(room.cell(x + dx, y + dy) == BACK for dx, dy in ((-1, 0), (1, 0), (0, -1), (0, 1)))
+    return any(room.cell(x + dx, y + dy) == BACK or room.cell(x + dx, y + dy) in CARVINGS
+               for dx, dy in ((-1, 0), (1, 0), (0, -1), (0, 1)))
 
 
 # Ground decoration pools by region (indices into DECO_GROUND): grass and small pieces are
@@ -243,8 +261,8 @@ def tile_layers(room):
                 put(ground, x, y, tc.WATER_TOP[0] if top else tc.WATER_BODY[0])
             elif ch == SPIKES:
                 put(ground, x, y, tc.SPIKES[_pick(room, x, y, "s", 2)])
-            elif ch in MARKS:
-                put(decor, x, y, MARKS[ch])
+            elif ch in MARKS or ch in PIECES:
+                put(decor, x, y, MARKS.get(ch, PIECES.get(ch)))
                 occupied.add((x, y))
 
     # Back walls, with borders where they meet open air.
@@ -256,7 +274,9 @@ def tile_layers(room):
             def outside(dx, dy):
                 nx, ny = x + dx, y + dy
                 return not room.solid(nx, ny) and not _back(room, nx, ny)
-            if outside(0, -1):
+            if room.cell(x, y) in CARVINGS:
+                tile = CARVINGS[room.cell(x, y)]
+            elif outside(0, -1):
                 tile = tc.BACK_TOP
             elif outside(0, 1):
                 tile = tc.BACK_BOTTOM
@@ -341,12 +361,13 @@ def _props(**kw):
 
 
 class Objects:
-    """Collects the object layers' contents in map px."""
+    """Collects the object layers' contents in map px, and the locked door groups."""
 
     def __init__(self):
         self.layers = {name: [] for name in
                        ("Trigger", "Player", "TransitionDoor", "Enemies", "DeathZone",
                         "CameraContainer", "Pnj", "Chest")}
+        self.door_groups = {}  # group id -> dict(kill=n, doors=[(x, y, w, h, closed)])
 
     def rect(self, layer, name, x, y, w, h, props=None):
         self.layers[layer].append(dict(name=name, x=x, y=y, width=w, height=h, point=False,
@@ -420,15 +441,35 @@ def _components(room, ch):
     return out
 
 
+def _lockdoor_box(room, letter, line):
+    """The cells of a locked door: one column, at least three rows, standing on solid ground, under
+    solid terrain at least as tall as the door (the open door hangs there, hidden by the rock)."""
+    x0, y0, x1, y1 = room.area(letter, line)
+    rows = y1 - y0 + 1
+    if len(room.anchors(letter)) != (x1 - x0 + 1) * rows:
+        raise SourceError(f"line {line}: the cells '{letter}' do not form a rectangle")
+    if x0 != x1 or rows < LOCKDOOR_MIN_ROWS:
+        raise SourceError(f"line {line}: a locked door is one tile wide and at least "
+                          f"{LOCKDOOR_MIN_ROWS} tall")
+    if y1 + 1 >= room.height or not room.solid(x0, y1 + 1):
+        raise SourceError(f"line {line}: the locked door '{letter}' must stand on solid ground")
+    if y0 - rows < 0 or not all(room.solid(x0, y) for y in range(y0 - rows, y0)):
+        raise SourceError(f"line {line}: the locked door '{letter}' needs solid terrain above it, "
+                          f"{rows} tiles tall, to hide it when open")
+    return x0, y0, x1, y1
+
+
 def objects(room):
     obj = Objects()
     doors, containers = [], {}
     checkpoints = []
     letters = {}
+    lock_triggers = []
     for line, words in room.objects:
         key = words[0]
-        letter = words[-1] if words[-1] != "statue" else words[-2]
-        if len(letter) == 1 and letter.isupper():
+        marks = [w for w in words[1:] if len(w) == 1 and w.isupper()]
+        letter = marks[-1] if marks else None
+        if letter:
             if letter in letters:
                 raise SourceError(f"line {line}: '{letter}' already marks the object of line "
                                   f"{letters[letter]}")
@@ -489,6 +530,28 @@ def objects(room):
                 x0, y0, x1, y1 = room.area(words[3], line)
                 obj.rect("Trigger", words[1].replace("_", " "), x0 * T, y0 * T,
                          (x1 - x0 + 1) * T, (y1 - y0 + 1) * T, _props(value=int(words[2])))
+            elif key == "lockgroup":
+                # lockgroup <id> kill <n>: a locked door group that reopens after n kills
+                gid, kill = int(words[1]), int(words[3])
+                if words[2] != "kill" or len(words) != 4:
+                    raise SourceError(f"line {line}: write 'lockgroup <id> kill <n>'")
+                if gid in obj.door_groups:
+                    raise SourceError(f"line {line}: door group {gid} is declared twice")
+                obj.door_groups[gid] = dict(kill=kill, doors=[], line=line)
+            elif key == "lockdoor":
+                # lockdoor <id> <letter> [closed]: one door of group <id>, open unless "closed"
+                gid, letter = int(words[1]), words[2]
+                if gid not in obj.door_groups:
+                    raise SourceError(f"line {line}: declare 'lockgroup {gid}' before its doors")
+                x0, y0, x1, y1 = _lockdoor_box(room, letter, line)
+                obj.door_groups[gid]["doors"].append(
+                    (x0 * T, y0 * T, (x1 - x0 + 1) * T, (y1 - y0 + 1) * T,
+                     words[3:] == ["closed"]))
+            elif key == "locktrigger":
+                # locktrigger <id> <letter>: stepping into the letter's cells closes group <id>
+                gid, letter = int(words[1]), words[2]
+                x0, y0, x1, y1 = room.area(letter, line)
+                lock_triggers.append((line, gid, (x0, y0, x1, y1)))
             else:
                 raise SourceError(f"line {line}: unknown object '{key}'")
         except (IndexError, KeyError, ValueError) as err:
@@ -496,6 +559,21 @@ def objects(room):
                 raise
             raise SourceError(f"line {line}: cannot read '{' '.join(words)}' ({err})") from None
 
+    killable = sum(len(room.anchors(words[2])) for _line, words in room.objects
+                   if words[0] == "enemy" and words[1] not in UNDYING)
+    for gid, group in obj.door_groups.items():
+        if not group["doors"]:
+            raise SourceError(f"line {group['line']}: door group {gid} has no 'lockdoor'")
+        if not 0 < group["kill"] <= killable:
+            raise SourceError(f"line {group['line']}: door group {gid} waits for {group['kill']} "
+                              f"kills; the room holds {killable} enemies that can die")
+        if not any(g == gid for _line, g, _box in lock_triggers):
+            raise SourceError(f"line {group['line']}: door group {gid} has no 'locktrigger'")
+    for line, gid, (x0, y0, x1, y1) in lock_triggers:
+        if gid not in obj.door_groups:
+            raise SourceError(f"line {line}: there is no 'lockgroup {gid}'")
+        obj.rect("Trigger", "Locked Door trigger", x0 * T, y0 * T, (x1 - x0 + 1) * T,
+                 (y1 - y0 + 1) * T, _props(value=gid))
     for did, sx, sy in sorted(doors):
         obj.point("Player", "PlayerDoorSpawn", sx, sy, _props(LinkedDoorID=did, id=did))
     for cid, px, py in sorted(checkpoints):
@@ -574,6 +652,26 @@ def build(room):
         layers.append({"draworder": "topdown", "id": next_id("layer"), "name": name,
                        "objects": out, "opacity": 1, "type": "objectgroup", "visible": True,
                        "x": 0, "y": 0})
+
+    if obj.door_groups:
+        groups = []
+        top_id = next_id("layer")
+        for gid in sorted(obj.door_groups):
+            group = obj.door_groups[gid]
+            group_layer = next_id("layer")
+            doors = []
+            for k, (x, y, w, h, closed) in enumerate(group["doors"]):
+                rect = {"height": _num(h), "id": next_id("object"), "name": "Door",
+                        "properties": _props(isClosed=closed), "rotation": 0, "type": "",
+                        "visible": True, "width": _num(w), "x": _num(x), "y": _num(y)}
+                doors.append({"draworder": "topdown", "id": next_id("layer"), "name": f"Door {k}",
+                              "objects": [rect], "opacity": 1, "type": "objectgroup",
+                              "visible": True, "x": 0, "y": 0})
+            groups.append({"id": group_layer, "layers": doors, "name": f"Doors {gid}",
+                           "opacity": 1, "properties": _props(enemyToKill=group["kill"], id=gid),
+                           "type": "group", "visible": True, "x": 0, "y": 0})
+        layers.append({"id": top_id, "layers": groups, "name": "Door group", "opacity": 1,
+                       "type": "group", "visible": True, "x": 0, "y": 0})
 
     return {
         "compressionlevel": -1, "height": room.height, "infinite": False, "layers": layers,
