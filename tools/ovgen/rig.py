@@ -91,13 +91,20 @@ def two_bone(root, target, l1, l2, bend):
 
 
 class Canvas:
-    """Pixel-centre coordinates of a w x h frame in rig space (origin at the bottom centre)."""
+    """Pixel-centre coordinates of a w x h frame in rig space (origin at the bottom centre).
 
-    def __init__(self, w, h):
-        self.w, self.h = w, h
+    facing -1 mirrors rig x onto the picture, so a character posed facing +x looks to the left,
+    while the shading (done in picture space) keeps its light from the top left."""
+
+    def __init__(self, w, h, facing=1):
+        self.w, self.h, self.facing = w, h, facing
         ys, xs = px.grid(h, w)
-        self.x = xs - w / 2.0
+        self.x = (xs - w / 2.0) * facing
         self.y = h - ys
+
+    def pixel(self, p):
+        """The (column, row) of the pixel holding rig point p."""
+        return int(math.floor(p[0] * self.facing + self.w / 2.0)), int(math.floor(self.h - p[1]))
 
     def capsule(self, p0, p1, r0, r1=None):
         """A segment thickened to radius r0 at p0 and r1 at p1 (round ends)."""
@@ -172,6 +179,7 @@ class Pose:
     glint: float = -1.0            # position of a glint along the blade (0 hilt .. 1 tip)
     dust: tuple = ()               # (x, y, size) puffs
     ghosts: tuple = ()             # (dx, dy, strength) afterimages behind the body
+    tags: tuple = ()               # free words for custom builders (the knight ignores them)
 
     def but(self, **changes):
         return replace(self, **changes)
@@ -187,7 +195,7 @@ class Smear:
     a1: float
 
 
-_STEPPED = {"weapon_behind", "smear", "glint", "dust", "ghosts"}
+_STEPPED = {"weapon_behind", "smear", "glint", "dust", "ghosts", "tags"}
 
 
 def _mix(a, b, t):
@@ -260,7 +268,7 @@ class Body:
 # ---------------------------------------------------------------- rasterising
 
 
-class _Part:
+class Part:
     __slots__ = ("name", "mask", "material", "group", "tone", "dim", "details", "outline")
 
     def __init__(self, name, mask, material, group, dim=False, outline=True):
@@ -431,6 +439,9 @@ def build_parts(body, pose, cv):
     return parts, hand_f
 
 
+_Part = Part
+
+
 def _weapon(body, cv, hand, angle, m):
     d = vec(angle)
     n = vec(angle + 90)
@@ -492,10 +503,14 @@ def weapon_point(body, pose, t):
     return add(hand, d, body.grip + body.blade * t)
 
 
-def render(body, pose, w, h, ink_all=None):
-    """One frame as uint8 RGBA (h, w, 4), origin at the bottom centre."""
-    cv = Canvas(w, h)
-    parts, hand_f = build_parts(body, pose, cv)
+def render(body, pose, w, h, ink_all=None, builder=None, facing=1):
+    """One frame as uint8 RGBA (h, w, 4), origin at the bottom centre.
+
+    `builder(body, pose, canvas)` returns (parts back to front, anything) for characters other than
+    the default knight (`build_parts`); `facing` -1 draws the character looking left. A blade glint
+    is placed with the knight's geometry, so other builders leave `pose.glint` negative."""
+    cv = Canvas(w, h, facing)
+    parts, hand_f = (builder or build_parts)(body, pose, cv)
     owner = np.full((h, w), -1)
     for i, p in enumerate(parts):
         p.mask = _remove_specks(p.mask) if p.tone is None else p.mask
@@ -548,7 +563,7 @@ def render(body, pose, w, h, ink_all=None):
             img[sel, 3] = 255
     # afterimages behind everything
     for gdx, gdy, strength in pose.ghosts:
-        g = _ghost_mask(sil | ring, gdx, gdy) & (img[..., 3] == 0)
+        g = _ghost_mask(sil | ring, gdx * facing, gdy) & (img[..., 3] == 0)
         img[g, :3] = body.materials["ghost"]
         img[g, 3] = 255 * strength
     for x, y, size in pose.dust:
@@ -576,7 +591,7 @@ def _dust(img, cv, c, size, mat):
 
 def _glint(img, cv, c, mat):
     """A four-point star: white core, pale arms, on top of everything."""
-    cx, cy = int(math.floor(c[0] + cv.w / 2.0)), int(math.floor(cv.h - c[1]))
+    cx, cy = cv.pixel(c)
     pts = [(0, 0, mat.rim), (1, 0, mat.rim), (-1, 0, mat.rim), (0, 1, mat.rim), (0, -1, mat.rim),
            (1, 1, mat.base), (-1, -1, mat.base), (1, -1, mat.base), (-1, 1, mat.base)]
     for k, col in ((2, mat.light), (3, mat.light), (4, mat.base), (5, mat.shadow)):
