@@ -211,7 +211,7 @@ TEST_F(CombatTest, APatrollingTrashTurnsAtTheEdgeOfItsArena) {
     EXPECT_GT(highest - lowest, 300);  // it walks the arena back and forth
 }
 
-TEST_F(CombatTest, ATrashThatStrikesHurtsUnlessParriedAndGodModeOnlyDisarms) {
+TEST_F(CombatTest, ATrashStrikeCostsTwelveAndGodModeTakesNothing) {
     AddTrashEnemy({560, kFloor}, 1, 0);
     SetPlayerFacing(true);
     int frames = 0;
@@ -220,11 +220,30 @@ TEST_F(CombatTest, ATrashThatStrikesHurtsUnlessParriedAndGodModeOnlyDisarms) {
 
     Step(60);
     GetPlayer().godMode = 1;
-    frames = 0;
-    while (frames++ < 300 && !IsEnemyStriking(0, ENEMY_TRASH)) Fight(1);
-    ASSERT_TRUE(IsEnemyStriking(0, ENEMY_TRASH));
-    Fight(1);
+    bool attacked = false, hurt = false;
+    for (int i = 0; i < 300; i++) {
+        Fight(1);
+        attacked |= TrashState(0) == TRASH_ATTACK;
+        hurt |= State() == PLAYER_TAKE_DAMAGE;
+    }
+    EXPECT_TRUE(attacked);
+    EXPECT_FALSE(hurt);
     EXPECT_EQ(GetPlayer().life, 88);
+}
+
+TEST_F(CombatTest, AParriedStrikeTurnsTheHeroSparksAndCostsNothing) {
+    AddTrashEnemy({560, kFloor}, 1, 0);
+    SetPlayerFacing(false);  // the blow comes from behind
+    sf::Vector2f target(GetPlayerPosition().x, kFloor - 90);
+    for (int i = 0; i < 300 && !IsEnemyStriking(0, ENEMY_TRASH); i++) UpdateEnemies(kDt, target);
+    ASSERT_TRUE(IsEnemyStriking(0, ENEMY_TRASH));
+    SetPlayerState(PLAYER_PARRY);
+    EnemiesHitPlayer();
+    EXPECT_EQ(GetPlayer().life, 100);
+    EXPECT_EQ(GetPlayer().body.parrySucceeded, 1);
+    EXPECT_TRUE(PlayerFacingRight());
+    EXPECT_EQ(GetPlayer().parryEffects.instances.size(), 1u);
+    EXPECT_FALSE(IsEnemyStriking(0, ENEMY_TRASH));  // a parried blow cannot land afterwards
 }
 
 TEST(LockedDoors, TheKillCountStartsAtTheLockAndOpenGroupsAreSubtracted) {
