@@ -23,13 +23,6 @@ bool loaded = false;
 
 const char* const kNoContainer = "Camera container is not set !\n";
 
-sf::Vector2f CheckpointPosition(int id) {
-    for (const CheckpointSpawn& spawn : CurrentRoom().checkpointSpawns) {
-        if (spawn.id == id) return spawn.position;
-    }
-    return {0, 0};
-}
-
 void RequestShake() {
     Camera& camera = GameCamera();
     const Player& player = GetPlayer();
@@ -113,7 +106,7 @@ void LoadGame(sf::RenderWindow& window) {
     LoadEnemyAssets();
     CreateCamera(GetPlayerPosition());
     LoadNextTargetRoom(window, Save().roomID);
-    SetPlayerPosition(CheckpointPosition(Save().checkpointID));
+    SetPlayerPosition(CheckpointSpawnPosition(Save().checkpointID));
     LastViewCenter() = {0, 0};
     CreateScreenFade();
     ResetTransition();

@@ -117,6 +117,8 @@ void LoadPlayerAnimations();
 void SetPlayerState(int state);
 void HandlePlayerKeyPressed(int key);
 void UpdatePlayer(float dt);
+// Timed states run out, every cooldown is ready, pending requests and hit flags are dropped.
+void ResetPlayerActions();
 void DrawPlayer(sf::RenderTarget& target);
 sf::Vector2f GetPlayerPosition();
 void SetPlayerPosition(sf::Vector2f position);

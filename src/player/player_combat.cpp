@@ -52,23 +52,6 @@ void ClearAttackRequests() {
     body.attackRequest = body.jumpAttackRequest = body.comboRequest = 0;
 }
 
-void ClearAllRequests() {
-    ClearAttackRequests();
-    PlayerBody& body = Body();
-    body.dashRequest = body.parryRequest = body.jumpRequest = 0;
-}
-
-void MakeEverythingReady() {
-    Player& player = P();
-    player.stateTimer = player.stateDuration;
-    player.dashCooldownTimer = player.tuning.dashCooldown;
-    player.attackCooldownTimer = player.tuning.attackCooldown;
-    player.parryCooldownTimer = player.tuning.parryCooldown;
-    player.body.hitDealt = 0;
-    player.body.parrySucceeded = 0;
-    ClearAllRequests();
-}
-
 // The segments of the life bar: 0-40, 40-70, 70-100.
 int NextSegmentTop(int life) {
     if (life < 40) return 40;
@@ -197,7 +180,7 @@ void UpdateTakeDamage(float dt) {
     } else {
         SetPlayerState(PLAYER_IDLE);
     }
-    MakeEverythingReady();
+    ResetPlayerActions();
 }
 
 }  // namespace
@@ -206,7 +189,7 @@ void HurtPlayer(int damage, sf::Vector2f attackerPosition) {
     Player& player = P();
     player.life -= damage;
     SetPlayerState(PLAYER_TAKE_DAMAGE);
-    MakeEverythingReady();
+    ResetPlayerActions();
     player.body.damageSource = attackerPosition;
 }
 

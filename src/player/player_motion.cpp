@@ -205,24 +205,6 @@ void RunStateMachine(float dt) {
     }
 }
 
-void ClearRequests() {
-    PlayerBody& body = Body();
-    body.dashRequest = body.attackRequest = body.jumpAttackRequest = 0;
-    body.comboRequest = body.parryRequest = body.jumpRequest = 0;
-}
-
-// Without control the machine waits: timers run out, cooldowns are ready, requests are dropped.
-void HoldStill() {
-    Player& player = P();
-    player.stateTimer = player.stateDuration;
-    player.dashCooldownTimer = player.tuning.dashCooldown;
-    player.attackCooldownTimer = player.tuning.attackCooldown;
-    player.parryCooldownTimer = player.tuning.parryCooldown;
-    player.body.hitDealt = 0;
-    player.body.parrySucceeded = 0;
-    ClearRequests();
-}
-
 void AdvanceCooldowns(float dt) {
     Player& player = P();
     int state = player.body.state;
@@ -389,6 +371,18 @@ void UpdateJumpBuffer(float dt) {
 
 }  // namespace
 
+void ResetPlayerActions() {
+    Player& player = P();
+    player.stateTimer = player.stateDuration;
+    player.dashCooldownTimer = player.tuning.dashCooldown;
+    player.attackCooldownTimer = player.tuning.attackCooldown;
+    player.parryCooldownTimer = player.tuning.parryCooldown;
+    PlayerBody& body = player.body;
+    body.hitDealt = body.parrySucceeded = 0;
+    body.dashRequest = body.attackRequest = body.jumpAttackRequest = 0;
+    body.comboRequest = body.parryRequest = body.jumpRequest = 0;
+}
+
 void UpdatePlayer(float dt) {
     Player& player = P();
     if (!player.created) return;
@@ -404,7 +398,7 @@ void UpdatePlayer(float dt) {
     if (Blocked(CONTACT_DOWN) && body.vy >= 0) body.vy = 0;
     body.vy = std::min(body.vy, player.tuning.maxFallSpeed);
     if (!body.controllable && body.state != PLAYER_REVIVE) {
-        HoldStill();
+        ResetPlayerActions();  // without control the machine waits
     } else {
         RunStateMachine(dt);
     }

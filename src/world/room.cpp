@@ -330,6 +330,13 @@ Room& CurrentRoom() {
     return room;
 }
 
+sf::Vector2f CheckpointSpawnPosition(int id) {
+    for (const CheckpointSpawn& spawn : room.checkpointSpawns) {
+        if (spawn.id == id) return spawn.position;
+    }
+    return {0, 0};
+}
+
 std::string RoomMapPath(int roomNumber) {
     return "Assets/Maps/Rooms/Room" + std::to_string(roomNumber) + ".json";
 }

@@ -137,5 +137,8 @@ void LoadRoomMap(sf::RenderWindow& window, const std::string& mapPath, int tileS
 // that does not set them keeps the previous room's.
 void ReleaseRoom();
 
+// Where the checkpoint of that id stands in the room, (0, 0) when there is none.
+sf::Vector2f CheckpointSpawnPosition(int id);
+
 // The map file of a room number.
 std::string RoomMapPath(int roomNumber);

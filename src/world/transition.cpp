@@ -89,13 +89,6 @@ void SizeViewForArrival() {
     }
 }
 
-sf::Vector2f CheckpointSpawnPosition(int id) {
-    for (const CheckpointSpawn& spawn : CurrentRoom().checkpointSpawns) {
-        if (spawn.id == id) return spawn.position;
-    }
-    return {0, 0};
-}
-
 void StartRespawnZoom() {
     Camera& camera = GameCamera();
     if (camera.mode == CAMERA_BLEND) return;
