@@ -8,6 +8,7 @@
 
 #include "app/game.h"
 #include "app/game_state.h"
+#include "enemies/enemies.h"
 #include "player/player.h"
 #include "player/save.h"
 #include "support/fixture.h"
@@ -149,4 +150,35 @@ TEST_F(TransitionTest, DeathZoomsFadesAndRevivesAtTheSavedCheckpoint) {
     EXPECT_EQ(GameCamera().view->getSize(), sf::Vector2f(1920, 1080));
     sf::Vector2f checkpoint = CurrentRoom().checkpointSpawns[0].position;
     EXPECT_NEAR(GetPlayerPosition().x, checkpoint.x, 1);
+}
+
+TEST_F(TransitionTest, TheArenaLocksBehindTheHeroAndOpensWhenItsTrashFall) {
+    Enter(6);
+    Room& room = CurrentRoom();
+    ASSERT_EQ(room.doorLists.size(), 1u);
+    ASSERT_EQ(EnemyCount(ENEMY_TRASH), 3);
+    const Trigger* lock = nullptr;
+    for (const Trigger& trigger : room.triggers) {
+        if (trigger.name == "Locked Door trigger") lock = &trigger;
+    }
+    ASSERT_NE(lock, nullptr);
+    GetPlayer().godMode = 1;
+    sf::FloatRect zone = lock->shape->getGlobalBounds();
+    SetPlayerPosition({zone.left + zone.width / 2, zone.top + zone.height - 1});
+    Update(2);
+    const DoorList& arena = room.doorLists[0];
+    EXPECT_EQ(arena.triggered, 1);
+    for (const Door& door : arena.doors) {
+        EXPECT_EQ(door.closed, 1);
+        EXPECT_EQ(room.collisions[door.collisionIndex].active, 1);
+    }
+    Update(60);  // the doors slide down; the fight goes on
+    EXPECT_EQ(arena.opened, 0);
+    for (int i = 0; i < EnemyCount(ENEMY_TRASH); i++) *GetEnemyLife(i, ENEMY_TRASH) = 0;
+    Update(3);
+    EXPECT_EQ(CountDeadEnemies(), 3);
+    EXPECT_EQ(arena.opened, 1);
+    for (const Door& door : arena.doors) {
+        EXPECT_EQ(room.collisions[door.collisionIndex].active, 0);
+    }
 }

@@ -29,7 +29,9 @@ void LoadNextTargetRoom(sf::RenderWindow& window, int roomNumber) {
 }
 
 void CleanupRoom() {
+    DestroyAllEnemies();
     ReleaseRoom();
+    FreeDoorSprites();
 }
 
 int CurrentRoomNumber() {
