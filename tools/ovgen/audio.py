@@ -143,10 +143,10 @@ def filtered(x, lo=None, hi=None, order=2, circular=False, sr=SR):
     x = np.asarray(x, float)
     n = len(x)
     size = n if circular else int(2 ** np.ceil(np.log2(n + sr // 4)))
-    spec = np.fft.rfft(x, size, axis=0)
+    spectrum = np.fft.rfft(x, size, axis=0)
     g = _response(np.fft.rfftfreq(size, 1 / sr), lo, hi, order)
-    spec = (spec.T * g).T
-    return np.fft.irfft(spec, size, axis=0)[:n]
+    spectrum = (spectrum.T * g).T
+    return np.fft.irfft(spectrum, size, axis=0)[:n]
 
 
 def lowpass(x, cutoff, order=2, circular=False, sr=SR):

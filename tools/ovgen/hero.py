@@ -17,6 +17,7 @@ from PIL import Image, ImageDraw, ImageFont
 
 from . import pixel as px
 from . import rig
+from .animdata import FieldReader
 from .rig import Pose, Smear
 
 FW, FH = 96, 80
@@ -434,45 +435,10 @@ def pose_sheet(clips, out):
 # ---------------------------------------------------------------- checks
 
 
-def scan(text, pos, fmt):
-    """C's fscanf on a string: a blank in `fmt` skips any white space (or none), %d reads an
-    integer after optional white space, any other character must match. Returns (values, pos, ok);
-    on a mismatch the position stays where matching stopped, as in the game's reader."""
-    values, i = [], 0
-    while i < len(fmt):
-        c = fmt[i]
-        if c.isspace():
-            while pos < len(text) and text[pos].isspace():
-                pos += 1
-        elif fmt.startswith("%d", i):
-            while pos < len(text) and text[pos].isspace():
-                pos += 1
-            j = pos + (pos < len(text) and text[pos] in "+-")
-            k = j
-            while k < len(text) and text[k].isdigit():
-                k += 1
-            if k == j:
-                return values, pos, False
-            values.append(int(text[pos:k]))
-            pos, i = k, i + 1
-        elif pos < len(text) and text[pos] == c:
-            pos += 1
-        else:
-            return values, pos, False
-        i += 1
-    return values, pos, True
-
-
 def read_anim_data(text):
     """Read the file the way the game does, field by field; every field must match."""
-    def need(fmt):
-        nonlocal pos
-        values, pos, ok = scan(text, pos, fmt)
-        if not ok:
-            raise ValueError(f"AnimData stops matching {fmt!r} at {text[pos:pos + 30]!r}")
-        return values
-
-    pos = 0
+    reader = FieldReader(text, "AnimData")
+    need = reader.need
     size = need("size : (%d,%d)\n")
     first = need("first Frame Position : (%d,%d)\n\n")
     clips = []
@@ -482,8 +448,7 @@ def read_anim_data(text):
         fx = need(" / PARRY IMPACT FX POSITIOJN ( %d,%d)") if label == "PARRY" else None
         need("\n")
         clips.append((label, n, rate, d, fx))
-    if text[pos:].strip():
-        raise ValueError("AnimData has trailing text")
+    reader.finish()
     return tuple(size), tuple(first), clips
 
 

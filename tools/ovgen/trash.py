@@ -24,7 +24,7 @@ from PIL import Image, ImageDraw, ImageFont
 
 from . import pixel as px
 from . import rig
-from .hero import scan
+from .animdata import FieldReader
 from .rig import Part, Pose, Smear, add, lerp, swing, two_bone, vec
 
 FW, FH = 72, 64
@@ -557,14 +557,8 @@ def anim_data(clips):
 
 def read_anim_data(text):
     """Read the file the way the game does, field by field (C fscanf); every field must match."""
-    def need(fmt):
-        nonlocal pos
-        values, pos, ok = scan(text, pos, fmt)
-        if not ok:
-            raise ValueError(f"Trash AnimData stops matching {fmt!r} at {text[pos:pos + 30]!r}")
-        return values
-
-    pos = 0
+    reader = FieldReader(text, "Trash AnimData")
+    need = reader.need
     size = need("size : (%d,%d)\n")
     first = need("first Frame Position : (%d,%d)\n\n")
     rows = []
@@ -573,8 +567,7 @@ def read_anim_data(text):
         d = need(" / Damage Frame : %d")[0] if dmg is not None else None
         need("\n")
         rows.append((label, n, rate, d))
-    if text[pos:].strip():
-        raise ValueError("Trash AnimData has trailing text")
+    reader.finish()
     return tuple(size), tuple(first), rows
 
 
