@@ -216,6 +216,16 @@ def scale_nearest(img, s):
     return img[ys][:, xs]
 
 
+def sheet(clips, fw, fh):
+    """A sprite sheet: one row per clip, its frames (fh x fw RGBA) side by side from the left."""
+    cols = max(len(frames) for _, frames in clips)
+    img = np.zeros((fh * len(clips), fw * cols, 4), np.uint8)
+    for row, (_, frames) in enumerate(clips):
+        for col, f in enumerate(frames):
+            img[row * fh:(row + 1) * fh, col * fw:(col + 1) * fw] = f
+    return img
+
+
 def save_png(img, path):
     """Write 8-bit RGBA, non-interlaced, with no metadata, so equal pixels give equal bytes."""
     path = Path(path)

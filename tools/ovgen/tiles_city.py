@@ -10,7 +10,7 @@ from . import tile_catalog as tc
 from . import tiles_forest as forest
 from .tiles_common import (T, Fields, blit, canvas, dim, ellipse, fill, glow, interior_window,
                            lines, mirror_x, pfbm, pixels, pnoise_1d, rect, shade, strand,
-                           strand_mask, terrain_cells)
+                           shade_silhouette, strand_mask, terrain_cells)
 
 STONE = px.ramp("#0d0e18", "#181c30", "#232a46", "#323c60", "#4a5782", "#6a78a2")
 MORTAR = px.rgb("#0a0b13")
@@ -794,14 +794,7 @@ def front(k):
 
 
 def _silhouette(m):
-    c = canvas()
-    yy, xx = px.grid(T, T)
-    fill(c, m, FRONT_C[1])
-    tone = px.bevel(m, 1)
-    fill(c, m & (tone == 2) & (xx + yy < 44), FRONT_C[2])
-    fill(c, m & (tone == 0), FRONT_C[0])
-    fill(c, m & (tone == 2) & ((xx * 7 + yy * 3) % 9 == 0) & (yy < 20), FRONT_C[3])
-    return c
+    return shade_silhouette(canvas(), m, FRONT_C)
 
 
 # ---------------------------------------------------------------- the sheet

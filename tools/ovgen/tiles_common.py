@@ -289,3 +289,15 @@ def bevel_wrapped(mask, depth=1):
 def dim(ramp, towards, t=0.4):
     """A ramp pulled towards a colour (used for details half buried in a darker material)."""
     return np.asarray(ramp, float) * (1 - t) + np.asarray(towards, float) * t
+
+
+def shade_silhouette(c, m, colours):
+    """A foreground silhouette: a dark base, a faint rim towards the top-left light, a darker lower
+    edge and a few specks of moonlight near the top. colours: the four tones, darkest first."""
+    yy, xx = px.grid(T, T)
+    fill(c, m, colours[1])
+    tone = px.bevel(m, 1)
+    fill(c, m & (tone == 2) & (xx + yy < 44), colours[2])
+    fill(c, m & (tone == 0), colours[0])
+    fill(c, m & (tone == 2) & ((xx * 7 + yy * 3) % 9 == 0) & (yy < 20), colours[3])
+    return c

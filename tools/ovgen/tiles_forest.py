@@ -9,7 +9,8 @@ from . import pixel as px
 from . import tile_catalog as tc
 from .tiles_common import (T, Fields, bevel_wrapped, blit, canvas, cells_texture, dim, ellipse,
                            fill, flame, glow, interior_window, lines, mirror_x, pfbm, pixels,
-                           pnoise_1d, rect, shade, strand, strand_mask, terrain_cells, wrap)
+                           pnoise_1d, rect, shade, shade_silhouette, strand, strand_mask,
+                           terrain_cells, wrap)
 
 EARTH = px.ramp("#120d0d", "#1b1412", "#241a15", "#30221a", "#3f2d1f", "#523b26")
 GRASS = px.ramp("#10261a", "#1b3f26", "#2a5e30", "#44813a", "#72ad48", "#aad666")
@@ -1134,13 +1135,7 @@ def front(k):
     else:  # drifting leaves, no support
         for cx, cy, a in ((8, 9, 0.5), (20, 6, -0.4), (14, 20, 1.0), (25, 24, -0.8)):
             m |= ellipse(T, T, cx, cy, 2.6, 1.3) & ~ellipse(T, T, cx + 1, cy - 1, 1.2, 0.6)
-    fill(c, m, FRONT_C[1])
-    tone = px.bevel(m, 1)
-    fill(c, m & (tone == 2) & (xx + yy < 44), FRONT_C[2])
-    fill(c, m & (tone == 0), FRONT_C[0])
-    spark = m & (tone == 2) & ((xx * 7 + yy * 3) % 9 == 0) & (yy < 20)
-    fill(c, spark, FRONT_C[3])
-    return c
+    return shade_silhouette(c, m, FRONT_C)
 
 
 # ---------------------------------------------------------------- the sheet

@@ -534,12 +534,7 @@ def build(look):
 
 
 def sheet(clips):
-    cols = max(len(frames) for _, frames in clips)
-    img = np.zeros((FH * len(clips), FW * cols, 4), np.uint8)
-    for row, (_, frames) in enumerate(clips):
-        for col, f in enumerate(frames):
-            img[row * FH:(row + 1) * FH, col * FW:(col + 1) * FW] = f
-    return img
+    return px.sheet(clips, FW, FH)
 
 
 def anim_data(clips):
