@@ -46,7 +46,7 @@ test: deps-test build
 
 # Room load and frame times (figures go to docs/benchmarks.md).
 bench: deps-test build
-	xvfb-run -a -s "-screen 0 1920x1080x24" env ALSOFT_DRIVERS=null ./$(BUILD)/room_bench
+	xvfb-run -a -s "-screen 0 1920x1080x24" env ALSOFT_DRIVERS=null ./$(BUILD)/room_bench >/dev/null
 
 assets: deps-test
 	$(PYTHON) tools/make_assets.py

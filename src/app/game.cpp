@@ -11,6 +11,7 @@
 #include "player/save.h"
 #include "world/camera.h"
 #include "world/doors.h"
+#include "world/pixel_canvas.h"
 #include "world/room.h"
 #include "world/room_draw.h"
 #include "world/room_lifecycle.h"
@@ -86,6 +87,30 @@ void RunSequences(sf::RenderWindow& window, float dt) {
     if (transition.respawnStep != 0) UpdateRespawnSequence(window);
 }
 
+// The black of a fade covers the whole canvas, margin included.
+void DrawFade(sf::RenderTarget& target) {
+    const ScreenFade& fade = Fade();
+    if (!fade.shape || fade.shape->getFillColor().a == 0) return;
+    sf::FloatRect area = PixelCanvasArea();
+    sf::RectangleShape cover({area.width, area.height});
+    cover.setPosition(area.left, area.top);
+    cover.setFillColor(fade.shape->getFillColor());
+    target.draw(cover);
+}
+
+void DrawWorld(sf::RenderTarget& target) {
+    DrawRoomBackgrounds(target);
+    DrawEnemies(target, false, true);
+    DrawDoors(target);
+    DrawRoomMiddleLayers(target);
+    DrawRoomDebug(target);
+    DrawEnemies(target, true, false);
+    DrawPlayer(target);
+    DrawRoomForeground(target);
+    DrawFade(target);
+    if (Transition().respawnStep >= 1 && !flags.worldFrozen) DrawPlayer(target);
+}
+
 }  // namespace
 
 OverlayFlags& Overlays() {
@@ -109,6 +134,7 @@ void LoadGame(sf::RenderWindow& window) {
     SetPlayerPosition(CheckpointSpawnPosition(Save().checkpointID));
     LastViewCenter() = {0, 0};
     CreateScreenFade();
+    CreatePixelCanvas();
     ResetTransition();
     SetPlayerControllable(1);
     LoadRegionMusic();
@@ -129,17 +155,10 @@ void UpdateGame(sf::RenderWindow& window, float dt) {
 void DrawGame(sf::RenderWindow& window) {
     if (!loaded) return;
     // The world is drawn with the view the window kept from the previous frame.
-    DrawRoomBackgrounds(window);
-    DrawEnemies(window, false, true);
-    DrawDoors(window);
-    DrawRoomMiddleLayers(window);
-    DrawRoomDebug(window);
-    DrawEnemies(window, true, false);
-    DrawPlayer(window);
-    DrawRoomForeground(window);
+    sf::View seen = window.getView();
+    DrawWorld(BeginPixelCanvas(window, seen));
+    PresentPixelCanvas(window);
     window.setView(*GameCamera().view);
-    if (Fade().shape) window.draw(*Fade().shape);
-    if (Transition().respawnStep >= 1 && !flags.worldFrozen) DrawPlayer(window);
 }
 
 void CleanupGame() {
@@ -150,6 +169,7 @@ void CleanupGame() {
     FreeSettingsScreen();
     FreeCredits();
     DestroyScreenFade();
+    DestroyPixelCanvas();
     DestroyPlayer();
     ResetTransition();
     // The loops end with the game: the title menu is silent.
