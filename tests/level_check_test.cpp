@@ -129,6 +129,12 @@ TEST(LevelRules, EachFaultIsReportedWithItsRoomAndObject) {
          "room 1: checkpoint spawn 0 at (1008, 768) [tile 10, 8] does not stand on a floor"},
         {"a statue sunk in the floor", [](Pair& p) { p.one.checkpointSpawns[0].position.y += T; },
          "puts the hero inside the solid rectangle (0, 1056, 1920 x 96)"},
+        {"an arrival over a pool",
+         [](Pair& p) {
+             p.one.triggers.push_back({Box(16 * T, kFloorY - 30, 3 * T, 30), "DeathZone", 0, 0});
+         },
+         "room 1: door spawn 0 at (1680, 1056) [tile 17, 11] puts the hero in the death zone "
+         "(1536, 1026, 288 x 30)"},
         {"a statue outside the room", [](Pair& p) { p.two.checkpointSpawns[0].position.x = -T; },
          "room 2: checkpoint spawn 0 at (-96, 1056) [tile -1, 11] lies outside the camera "
          "container"},

@@ -150,18 +150,32 @@ void CheckInsideCamera(const Room& room, const std::string& what, sf::Vector2f p
     }
 }
 
-// A hero spawn: in the room, clear of rock, dropping a short way at most onto a floor.
-void CheckHeroSpawn(const Room& room, const std::string& what, sf::Vector2f feet, Faults& faults) {
-    std::string name = RoomName(room) + ": " + what;
-    CheckInsideCamera(room, name, feet, faults);
-    if (auto rock = RockInside(room, HeroBox(feet))) {
-        faults.push_back(name + " at " + At(feet) + " puts the hero inside the solid rectangle " +
-                         RectText(*rock));
+// The hurting triggers the hero meets standing in `box` (the game tests its body against them).
+std::optional<sf::FloatRect> DeathZoneIn(const Room& room, const sf::FloatRect& box) {
+    for (const Trigger& trigger : room.triggers) {
+        if (trigger.name == "DeathZone" && box.intersects(Bounds(trigger.shape)))
+            return Bounds(trigger.shape);
     }
-    if (!FloorUnder(room, feet, kSlack, kLongestSpawnDrop)) {
-        faults.push_back(name + " at " + At(feet) +
-                         " does not stand on a floor: nothing solid or " + "one-way within " +
+    return std::nullopt;
+}
+
+// A hero spawn: in the room, clear of rock, dropping a short way at most onto a floor, and
+// nothing that hurts on the way down.
+void CheckHeroSpawn(const Room& room, const std::string& what, sf::Vector2f feet, Faults& faults) {
+    std::string name = RoomName(room) + ": " + what + " at " + At(feet);
+    CheckInsideCamera(room, RoomName(room) + ": " + what, feet, faults);
+    if (auto rock = RockInside(room, HeroBox(feet))) {
+        faults.push_back(name + " puts the hero inside the solid rectangle " + RectText(*rock));
+    }
+    std::optional<float> floor = FloorUnder(room, feet, kSlack, kLongestSpawnDrop);
+    if (!floor) {
+        faults.push_back(name + " does not stand on a floor: nothing solid or one-way within " +
                          Num(kLongestSpawnDrop) + " px under its feet");
+    }
+    sf::FloatRect fall = HeroBox(feet);
+    fall.height += std::max(0.0f, floor.value_or(feet.y) - feet.y);
+    if (auto zone = DeathZoneIn(room, fall)) {
+        faults.push_back(name + " puts the hero in the death zone " + RectText(*zone));
     }
 }
 

@@ -18,8 +18,8 @@ constexpr float kLongestSpawnDrop = 96;
 
 // Every edge of the camera container is solid rock or a transition door.
 std::vector<std::string> CheckWalls(const Room& room);
-// Checkpoint and door spawns inside the camera container, clear of rock, a short drop above a
-// floor; enemies inside their container, chests and the merchant exactly on a floor.
+// Checkpoint and door spawns inside the camera container, clear of rock and death zones, a short
+// drop above a floor; enemies inside their container, chests and the merchant exactly on a floor.
 std::vector<std::string> CheckStandingPoints(const Room& room);
 // Door spawns outside every door rectangle, on the room's side of the door they belong to, where
 // the door's walk-in actually brings the hero.
