@@ -1,0 +1,43 @@
+// Level rules for rooms as the game loads them: doors in pairs that lead back to each other,
+// arrivals outside every door, spawns inside their containers and on a floor, walls all round
+// except at the doors. Each check returns one line per fault naming the room, the object and its
+// world coordinates (with the tile, 96 world px, in brackets); an empty list means the room is
+// sound.
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "world/room.h"
+
+// The hero's body box, standing on its feet.
+constexpr float kHeroWidth = 80, kHeroHeight = 180;
+// How far a hero spawn may stand above its floor: arrivals and revivals drop onto it.
+constexpr float kLongestSpawnDrop = 96;
+
+// Every edge of the camera container is solid rock or a transition door.
+std::vector<std::string> CheckWalls(const Room& room);
+// Checkpoint and door spawns inside the camera container, clear of rock and death zones, a short
+// drop above a floor; enemies inside their container, chests and the merchant exactly on a floor.
+std::vector<std::string> CheckStandingPoints(const Room& room);
+// Door spawns outside every door rectangle, on the room's side of the door they belong to, where
+// the door's walk-in actually brings the hero.
+std::vector<std::string> CheckArrivals(const Room& room);
+// The three above.
+std::vector<std::string> CheckLevelRules(const Room& room);
+
+struct DoorToUnbuiltRoom {
+    int room = 0;
+    int door = 0;
+    int targetRoom = 0;
+};
+
+struct DoorPairReport {
+    std::vector<std::string> faults;
+    std::vector<DoorToUnbuiltRoom> unbuilt;  // not a fault: those rooms come later
+};
+
+// Every door of every room leads to a door of its target room that leads back to it, in the
+// opposite direction, through the arrival spawns the game's transition uses. Rooms by number.
+DoorPairReport CheckDoorPairs(const std::map<int, const Room*>& rooms);
