@@ -1,9 +1,57 @@
 // The hero's movement and collision, driven by scripted input on a hand-built room.
 #include <gtest/gtest.h>
 
+#include "player/player_combat.h"
 #include "support/hero_fixture.h"
 
-using PlayerTest = HeroTest;
+namespace {
+
+class PlayerTest : public HeroTest {
+protected:
+    // The floor ends at x 600; the next floor is far below.
+    static void UseLedge() {
+        CurrentRoom().collisions.clear();
+        AddSolid({-1000, kFloor, 1600, 96});
+        AddSolid({-1000, kFloor + 2000, 8000, 96});
+    }
+    // Whether the hero moves upwards at any time over the next frames.
+    static bool Rises(int frames) {
+        bool rose = false;
+        for (int i = 0; i < frames; i++) {
+            Step(1);
+            rose = rose || GetPlayer().body.vy < 0;
+        }
+        return rose;
+    }
+    // One way to dash right off the ledge, then to press jump in the air.
+    struct DashTry {
+        bool holdDash;           // the dash input stays held: a run, or a walk without the run
+        bool holdRight;          // steering right all along
+        bool pressWhileDashing;  // jump pressed during the dash, else just after it
+    };
+    // Returns false if the dash ended with the hero still on the ledge.
+    static bool DashOffTheLedgeAndJump(float x, DashTry how) {
+        Step(120);  // down on the lower floor from any earlier try
+        SetPlayerPosition({x, kFloor});
+        Step(60);  // standing, the dash cooled down
+        Hold(BINDING_RIGHT, how.holdRight);
+        Press(BINDING_DASH);
+        Hold(BINDING_DASH, how.holdDash);
+        for (int i = 0; i < 3 && State() != PLAYER_DASH; i++) Step(1);
+        while (State() == PLAYER_DASH) {
+            if (how.pressWhileDashing && !PlayerStanding()) Press(BINDING_JUMP);
+            Step(1);
+        }
+        if (PlayerStanding()) return false;
+        if (!how.pressWhileDashing) Press(BINDING_JUMP);
+        return true;
+    }
+    static void ReleaseAll() {
+        for (int action : {BINDING_JUMP, BINDING_DASH, BINDING_RIGHT}) Hold(action, false);
+    }
+};
+
+}  // namespace
 
 TEST_F(PlayerTest, StandsOnTheFloorAfterItsFirstFall) {
     EXPECT_EQ(State(), PLAYER_IDLE);
@@ -74,9 +122,7 @@ TEST_F(PlayerTest, AJumpPressedJustBeforeLandingIsKept) {
 }
 
 TEST_F(PlayerTest, WalkingOffALedgeLeavesAMomentToJump) {
-    CurrentRoom().collisions.clear();
-    AddSolid({-1000, kFloor, 1600, 96});  // the ledge ends at x 600
-    AddSolid({-1000, kFloor + 2000, 8000, 96});
+    UseLedge();
     Hold(BINDING_RIGHT, true);
     while (PlayerStanding()) Step(1);  // the feet just left the ledge
     Step(3);
@@ -85,6 +131,46 @@ TEST_F(PlayerTest, WalkingOffALedgeLeavesAMomentToJump) {
     Step(2);
     EXPECT_EQ(State(), PLAYER_JUMP);
     EXPECT_LT(GetPlayer().body.vy, 0);
+}
+
+// The ledge grace is for walking off an edge. A dash that carries the hero off one must not buy a
+// jump in the air, whether it ends standing still, running, or walking (run held without the run
+// ability): the dash and run gates of the rooms count on it.
+TEST_F(PlayerTest, ADashOffALedgeBuysNoJumpInTheAir) {
+    UseLedge();
+    Save().abilities.canDash = 1;
+    int airborneEnds = 0;
+    for (int canRun : {0, 1}) {
+        for (int way = 0; way < 8; way++) {
+            DashTry how{(way & 1) != 0, (way & 2) != 0, (way & 4) != 0};
+            for (float x = 590; x > 200; x -= 25) {
+                SCOPED_TRACE(testing::Message()
+                             << "run ability " << canRun << ", dash held " << how.holdDash
+                             << ", right held " << how.holdRight << ", jump while dashing "
+                             << how.pressWhileDashing << ", from x " << x);
+                Save().abilities.canRun = canRun;
+                if (DashOffTheLedgeAndJump(x, how)) {
+                    airborneEnds++;
+                    EXPECT_FALSE(Rises(30));
+                    EXPECT_EQ(State(), PLAYER_FALL);
+                }
+                ReleaseAll();
+            }
+        }
+    }
+    EXPECT_GT(airborneEnds, 160);
+}
+
+TEST_F(PlayerTest, AKnockBackOffALedgeBuysNoJumpInTheAir) {
+    UseLedge();
+    SetPlayerPosition({570, kFloor});
+    Step(10);
+    HurtPlayer(10, {470, kFloor});  // knocked right, over the edge
+    while (State() == PLAYER_TAKE_DAMAGE) Step(1);
+    ASSERT_FALSE(PlayerStanding());
+    Press(BINDING_JUMP);
+    EXPECT_FALSE(Rises(30));
+    EXPECT_EQ(State(), PLAYER_FALL);
 }
 
 TEST_F(PlayerTest, DownAndJumpDropThroughAOneWayPlatform) {

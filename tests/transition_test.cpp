@@ -8,7 +8,9 @@
 
 #include "app/game.h"
 #include "app/game_state.h"
+#include "app/input.h"
 #include "enemies/enemies.h"
+#include "menus/settings_files.h"
 #include "player/player.h"
 #include "player/save.h"
 #include "support/fixture.h"
@@ -38,6 +40,31 @@ protected:
         CleanupRoom();
         LoadNextTargetRoom(*app.window, room);
         testing::internal::GetCapturedStdout();
+    }
+
+    static void Hold(int action, bool down) { InputScriptKey(Settings().bindings[action], down); }
+    static void Press(int action) {
+        Hold(action, true);
+        HandlePlayerKeyPressed(Settings().bindings[action]);
+    }
+
+    // Runs until a door transition starts (or two seconds pass); returns whether one did.
+    bool UntilTransition() {
+        for (int i = 0; i < 120 && !Transition().transitionActive; i++) Update(1);
+        return Transition().transitionActive != 0;
+    }
+
+    static const TransitionDoor* DoorTo(int room) {
+        for (const TransitionDoor& door : CurrentRoom().transitionDoors) {
+            if (door.targetedRoom == room) return &door;
+        }
+        return nullptr;
+    }
+    static sf::Vector2f ArrivalPoint(int id) {
+        for (const DoorSpawn& spawn : CurrentRoom().doorSpawns) {
+            if (spawn.id == id) return spawn.position;
+        }
+        return {};
     }
 
     // Runs until the door transition has ended; returns what was printed.
@@ -109,6 +136,48 @@ TEST_F(TransitionTest, ADoorEnteredInMidAirDropsToTheFloorFirst) {
     EXPECT_EQ(CurrentRoomNumber(), 3);
 }
 
+// Jumping from the ledge under room 7's ceiling hole: the head reaches the door long before the
+// feet could.
+TEST_F(TransitionTest, AHeadJumpingIntoACeilingHoleTakesTheDoor) {
+    Enter(7);
+    const TransitionDoor* hole = DoorTo(6);
+    ASSERT_NE(hole, nullptr);
+    GetPlayer().godMode = 1;  // the cellar's Frog is not what this is about
+    sf::FloatRect bounds = hole->shape->getGlobalBounds();
+    SetPlayerPosition(ArrivalPoint(0));  // the ledge under the hole
+    Update(30);
+    ASSERT_FALSE(Transition().transitionActive);
+    ASSERT_TRUE(PlayerStanding());
+    Press(BINDING_JUMP);
+    ASSERT_TRUE(UntilTransition());
+    Hold(BINDING_JUMP, false);
+    EXPECT_GE(GetPlayerPosition().y, bounds.top + bounds.height);  // the feet are still below
+    RunTransition();
+    EXPECT_EQ(CurrentRoomNumber(), 6);
+}
+
+// Dropping through the cover over room 6's floor hole: the feet reach the door while the head is
+// still above it.
+TEST_F(TransitionTest, FeetDroppingIntoAFloorHoleTakeTheDoor) {
+    Enter(6);
+    const TransitionDoor* hole = DoorTo(7);
+    ASSERT_NE(hole, nullptr);
+    sf::FloatRect bounds = hole->shape->getGlobalBounds();
+    GetPlayer().godMode = 1;
+    SetPlayerPosition(ArrivalPoint(1));  // on the cover
+    Update(30);
+    ASSERT_FALSE(Transition().transitionActive);
+    ASSERT_TRUE(PlayerStanding());
+    Hold(BINDING_DOWN, true);
+    Press(BINDING_JUMP);
+    ASSERT_TRUE(UntilTransition());
+    Hold(BINDING_DOWN, false);
+    Hold(BINDING_JUMP, false);
+    EXPECT_LT(PlayerBodyBounds().top, bounds.top);  // the head is still above
+    RunTransition();
+    EXPECT_EQ(CurrentRoomNumber(), 7);
+}
+
 TEST_F(TransitionTest, APitCostsThirtyLifeATouchAndIsLethal) {
     Enter(5);
     const Trigger* pit = nullptr;
@@ -178,6 +247,49 @@ TEST_F(TransitionTest, TheArenaLocksBehindTheHeroAndOpensWhenItsTrashFall) {
     Update(3);
     EXPECT_EQ(CountDeadEnemies(), 3);
     EXPECT_EQ(arena.opened, 1);
+    for (const Door& door : arena.doors) {
+        EXPECT_EQ(room.collisions[door.collisionIndex].active, 0);
+    }
+}
+
+// Kills made before the lock do not count towards opening it: with one Trash down beforehand, the
+// three kills of the arena are counted from the lock on.
+TEST_F(TransitionTest, KillsBeforeTheArenaLocksDoNotOpenIt) {
+    Enter(6);
+    Room& room = CurrentRoom();
+    ASSERT_EQ(room.doorLists.size(), 1u);
+    ASSERT_EQ(room.doorLists[0].enemyToKill, 3);
+    ASSERT_EQ(EnemyCount(ENEMY_TRASH), 3);
+    AddEnemy(ENEMY_TRASH, GetEnemyPosition(0, ENEMY_TRASH) + sf::Vector2f(300, 0),
+             GetEnemyContainer(0, ENEMY_TRASH), room.region);
+    ASSERT_EQ(EnemyCount(ENEMY_TRASH), 4);
+    const Trigger* lock = nullptr;
+    for (const Trigger& trigger : room.triggers) {
+        if (trigger.name == "Locked Door trigger") lock = &trigger;
+    }
+    ASSERT_NE(lock, nullptr);
+    GetPlayer().godMode = 1;
+    SetPlayerPosition(ArrivalPoint(0));  // the east passage, before the threshold
+    *GetEnemyLife(0, ENEMY_TRASH) = 0;
+    Update(30);
+    ASSERT_EQ(CountDeadEnemies(), 1);
+    const DoorList& arena = room.doorLists[0];
+    ASSERT_EQ(arena.triggered, 0);
+
+    sf::FloatRect zone = lock->shape->getGlobalBounds();
+    SetPlayerPosition({zone.left + zone.width / 2, zone.top + zone.height - 1});
+    Update(2);
+    ASSERT_EQ(arena.triggered, 1);
+    for (int i : {1, 2}) *GetEnemyLife(i, ENEMY_TRASH) = 0;
+    Update(120);
+    EXPECT_EQ(CountDeadEnemies(), 3);
+    EXPECT_EQ(arena.opened, 0) << "two kills since the lock";
+    for (const Door& door : arena.doors) {
+        EXPECT_EQ(room.collisions[door.collisionIndex].active, 1);
+    }
+    *GetEnemyLife(3, ENEMY_TRASH) = 0;
+    Update(3);
+    EXPECT_EQ(arena.opened, 1) << "the third kill since the lock";
     for (const Door& door : arena.doors) {
         EXPECT_EQ(room.collisions[door.collisionIndex].active, 0);
     }

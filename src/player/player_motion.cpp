@@ -85,7 +85,9 @@ void UpdateIdle() {
     body.groundMode = PLAYER_IDLE;
     bool right = RightHeld(), left = LeftHeld();
     if (StartGroundCombat(true)) return;
-    if (body.jumpRequest && !Blocked(CONTACT_UP)) {
+    // Only a standing hero jumps from IDLE: one left in the air by a dash or a knock-back falls,
+    // and the press waits in the jump buffer.
+    if (body.jumpRequest && Blocked(CONTACT_DOWN) && !Blocked(CONTACT_UP)) {
         SetPlayerState(PLAYER_JUMP);
     } else if (!Blocked(CONTACT_DOWN)) {
         SetPlayerState(PLAYER_FALL);
@@ -99,6 +101,10 @@ void UpdateIdle() {
 void UpdateWalk(float dt) {
     PlayerBody& body = Body();
     body.groundMode = PLAYER_WALK;
+    // The ledge grace is for walking off an edge: a walk that begins in the air (a dash that
+    // ended off a ledge with the run input held) falls at once.
+    bool beganInTheAir = body.stateEntered && !Blocked(CONTACT_DOWN);
+    body.stateEntered = 0;
     Steer(dt);
     Face();
     Footsteps();
@@ -109,7 +115,7 @@ void UpdateWalk(float dt) {
         SetPlayerState(PLAYER_JUMP);
     }
     if (body.dashRequest && DashReady()) SetPlayerState(PLAYER_DASH);
-    if (body.vy >= 5) SetPlayerState(PLAYER_FALL);
+    if (body.vy >= 5 || beganInTheAir) SetPlayerState(PLAYER_FALL);
 }
 
 void UpdateRun(float dt) {
@@ -156,7 +162,8 @@ void UpdateDash(float dt) {
 void UpdateJump(float dt) {
     PlayerBody& body = Body();
     // A jump asked for on the ground starts even if the ground has just gone: walking off a
-    // ledge leaves a few updates to jump (the ledge grace).
+    // ledge leaves a few updates to jump (the ledge grace). IDLE, WALK and RUN ask for a jump
+    // only while standing or within that grace, so the first update may trust them.
     bool fromGround = body.stateEntered != 0;
     body.stateEntered = 0;
     if (body.jumpRequest && (Blocked(CONTACT_DOWN) || fromGround)) {
