@@ -98,8 +98,8 @@ void DrawFade(sf::RenderTarget& target, sf::FloatRect area) {
     target.draw(cover);
 }
 
-// The fade covers the screen over the world and under the console. With only the world below it,
-// it is drawn on the world's canvas at a ninth of the fill; over a panel, on the window.
+// The fade covers the world and the panels over it. With only the world below it, it is drawn on
+// the world's canvas at a ninth of the fill; over a panel, on the window.
 bool FadeOverPanels() {
     return flags.pauseOpen != 0;
 }
