@@ -1,10 +1,12 @@
 #include "app/events.h"
 
+#include "app/game.h"
 #include "app/game_state.h"
 #include "app/input.h"
 #include "common/log.h"
 #include "menus/credits.h"
 #include "menus/main_menu.h"
+#include "menus/pause_menu.h"
 #include "menus/settings_screen.h"
 #include "player/player.h"
 #include "player/player_combat.h"
@@ -80,13 +82,59 @@ void RouteJoystickConnection(const sf::Event& event) {
     }
 }
 
-void GameKeyPressed(int key) {
+// The triggers: pulling the left one (Z below -0.1) asks for a dash; the pad up drinks a potion.
+void PlayerAxisMoved(const sf::Event& event) {
+    Player& player = GetPlayer();
+    int state = player.body.state;
+    bool trigger = InputJoystickAxis(0, sf::Joystick::Z) < -0.1f;
+    if (!player.body.parryRequest && trigger && (state == PLAYER_IDLE || state == PLAYER_WALK) &&
+        Save().abilities.canDash) {
+        player.body.dashRequest = 1;
+    }
+    if (event.joystickMove.axis == sf::Joystick::PovY && event.joystickMove.position > 0) {
+        PlayerPadHeal();
+    }
+}
+
+// Escape or gamepad button 7 in free play. The panel is made ready in every case.
+void RequestPause() {
+    OverlayFlags& flags = Overlays();
+    bool unfolding = flags.checkpointMenuOpening || flags.merchantMenuOpening;
+    if (GetMenuScreen() == MENU_SCREEN_LIST && !unfolding && !flags.mapOpen && !flags.shopOpen) {
+        flags.pauseOpen = 1;
+        flags.worldFrozen = 1;
+    }
+    PlacePausePanel();
+}
+
+// Escape closes the list, or leaves the settings screen for the list without saving; other keys
+// go to the settings screen (a rebinding waiting for its key).
+void PauseKeyPressed(const sf::Event& event) {
+    bool onSettings = GetMenuScreen() == MENU_SCREEN_SETTINGS;
+    if (event.key.code == sf::Keyboard::Escape) {
+        if (onSettings) {
+            LeavePauseSettings();
+        } else {
+            Overlays().pauseOpen = 0;
+        }
+    } else if (onSettings) {
+        SettingsKeyPressed(event);
+    }
+}
+
+void GameKeyPressed(const sf::Event& event) {
+    if (Overlays().pauseOpen) {
+        PauseKeyPressed(event);
+        return;
+    }
+    int key = event.key.code;
+    if (key == sf::Keyboard::Escape) RequestPause();
     if (key == sf::Keyboard::Home) DebugOverlay() = DebugOverlay() ? 0 : 1;
     HandlePlayerKeyPressed(key);
 }
 
 // Gamepad button 0 jumps under the same conditions as the jump key, unless a dash is pending.
-void GameButtonPressed(unsigned button) {
+void PlayerButtonPressed(unsigned button) {
     const Player& player = GetPlayer();
     if (!player.body.controllable) return;
     int state = player.body.state;
@@ -100,33 +148,60 @@ void GameButtonPressed(unsigned button) {
     if (button == 4) PlayerParryPressed();
 }
 
-void GameMousePressed(const sf::Event& event) {
+void GameButtonPressed(sf::RenderWindow& window, unsigned button) {
+    if (Overlays().pauseOpen) {
+        // Button 0 on RESUME is polled by the game update.
+        if (GetMenuScreen() == MENU_SCREEN_LIST && button == 0) {
+            ChoosePauseEntry(GetPauseSelection(), window);
+        }
+        return;
+    }
+    if (button == 7) RequestPause();
+    PlayerButtonPressed(button);
+}
+
+void GameMouseMoved(const sf::RenderWindow& window, const sf::Event& event) {
+    if (!Overlays().pauseOpen) return;
+    HoverPauseButtons(MenuPointer(window, event.mouseMove.x, event.mouseMove.y));
+}
+
+void GameMousePressed(sf::RenderWindow& window, const sf::Event& event) {
     if (event.mouseButton.button == sf::Mouse::Left) PlayerAttackPressed();
     if (event.mouseButton.button == sf::Mouse::Right) PlayerHeavyPressed();
+    if (!Overlays().pauseOpen) return;
+    if (GetMenuScreen() == MENU_SCREEN_SETTINGS) {
+        SettingsMousePressed(event);
+    } else if (event.mouseButton.button == sf::Mouse::Left) {
+        // RESUME is polled by the game update.
+        for (int entry : {PAUSE_ENTRY_SETTINGS, PAUSE_ENTRY_MAIN_MENU}) {
+            if (PauseButtonHovered(entry)) {
+                ChoosePauseEntry(entry, window);
+                return;
+            }
+        }
+    }
 }
 
-// The triggers: pulling the left one (Z below -0.1) asks for a dash; the pad up drinks a potion.
+// The pad's vertical axis moves the pause selection; the world part (dash, heal) follows
+// whatever is open.
 void GameAxisMoved(const sf::Event& event) {
-    Player& player = GetPlayer();
-    int state = player.body.state;
-    bool trigger = InputJoystickAxis(0, sf::Joystick::Z) < -0.1f;
-    if (!player.body.parryRequest && trigger && (state == PLAYER_IDLE || state == PLAYER_WALK) &&
-        Save().abilities.canDash) {
-        player.body.dashRequest = 1;
+    bool onPauseList = Overlays().pauseOpen && GetMenuScreen() == MENU_SCREEN_LIST;
+    if (onPauseList && event.joystickMove.axis == sf::Joystick::PovY) {
+        if (event.joystickMove.position < 0) MovePauseSelection(+1);
+        if (event.joystickMove.position > 0) MovePauseSelection(-1);
     }
-    if (event.joystickMove.axis == sf::Joystick::PovY && event.joystickMove.position > 0) {
-        PlayerPadHeal();
-    }
+    PlayerAxisMoved(event);
 }
 
-void RouteGameEvent(const sf::Event& event) {
+void RouteGameEvent(sf::RenderWindow& window, const sf::Event& event) {
     switch (event.type) {
-        case sf::Event::KeyPressed: GameKeyPressed(event.key.code); break;
+        case sf::Event::KeyPressed: GameKeyPressed(event); break;
         case sf::Event::JoystickButtonPressed:
-            GameButtonPressed(event.joystickButton.button);
+            GameButtonPressed(window, event.joystickButton.button);
             break;
         case sf::Event::JoystickMoved: GameAxisMoved(event); break;
-        case sf::Event::MouseButtonPressed: GameMousePressed(event); break;
+        case sf::Event::MouseMoved: GameMouseMoved(window, event); break;
+        case sf::Event::MouseButtonPressed: GameMousePressed(window, event); break;
         default: break;
     }
 }
@@ -158,7 +233,7 @@ void PollEvents(AppWindow& app) {
         if (GetGameState() == GAME_STATE_MENU) {
             RouteMenuEvent(app, event);
         } else if (GetGameState() == GAME_STATE_GAME) {
-            RouteGameEvent(event);
+            RouteGameEvent(*app.window, event);
         }
         if (event.type == sf::Event::KeyPressed && event.key.code == sf::Keyboard::F11) {
             ToggleFullScreen(app);

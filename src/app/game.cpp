@@ -6,6 +6,7 @@
 #include "common/log.h"
 #include "enemies/enemies.h"
 #include "menus/credits.h"
+#include "menus/pause_menu.h"
 #include "menus/settings_screen.h"
 #include "player/player.h"
 #include "player/save.h"
@@ -87,15 +88,20 @@ void RunSequences(sf::RenderWindow& window, float dt) {
     if (transition.respawnStep != 0) UpdateRespawnSequence(window);
 }
 
-// The black of a fade covers the whole canvas, margin included.
-void DrawFade(sf::RenderTarget& target) {
+// The black of a fade covers the area: the whole canvas, margin included, or the whole screen.
+void DrawFade(sf::RenderTarget& target, sf::FloatRect area) {
     const ScreenFade& fade = Fade();
     if (!fade.shape || fade.shape->getFillColor().a == 0) return;
-    sf::FloatRect area = PixelCanvasArea();
     sf::RectangleShape cover({area.width, area.height});
     cover.setPosition(area.left, area.top);
     cover.setFillColor(fade.shape->getFillColor());
     target.draw(cover);
+}
+
+// The fade covers the world and the panels over it. With only the world below it, it is drawn on
+// the world's canvas at a ninth of the fill; over a panel, on the window.
+bool FadeOverPanels() {
+    return flags.pauseOpen != 0;
 }
 
 void DrawWorld(sf::RenderTarget& target) {
@@ -107,8 +113,22 @@ void DrawWorld(sf::RenderTarget& target) {
     DrawEnemies(target, true, false);
     DrawPlayer(target);
     DrawRoomForeground(target);
-    DrawFade(target);
+    if (!FadeOverPanels()) DrawFade(target, PixelCanvasArea());
     if (Transition().respawnStep >= 1 && !flags.worldFrozen) DrawPlayer(target);
+}
+
+// Overlays frozen over the world, each updating only itself.
+void RunOverlays() {
+    if (flags.pauseOpen) UpdatePauseMenu(flags.pauseOpen);
+}
+
+// The panels are laid out on 1920 x 1080 and go straight onto the window through a screen view,
+// covering the window whatever the camera's zoom.
+void DrawPanels(sf::RenderWindow& window) {
+    if (!flags.pauseOpen) return;
+    window.setView(window.getDefaultView());
+    DrawPauseMenu(window);
+    DrawFade(window, {0, 0, 1920, 1080});
 }
 
 }  // namespace
@@ -133,6 +153,7 @@ void LoadGame(sf::RenderWindow& window) {
     LoadNextTargetRoom(window, Save().roomID);
     SetPlayerPosition(CheckpointSpawnPosition(Save().checkpointID));
     LastViewCenter() = {0, 0};
+    LoadPauseMenu();
     CreateScreenFade();
     CreatePixelCanvas();
     ResetTransition();
@@ -147,7 +168,11 @@ void UpdateGame(sf::RenderWindow& window, float dt) {
         (flags.consoleOpen || flags.pauseOpen || flags.mapOpen || flags.explanationOpen) ? 1 : 0;
     bool mayAct = !flags.worldFrozen && !Transition().transitionActive && !flags.shopOpen;
     SetPlayerControllable(mayAct ? 1 : 0);
-    if (!flags.worldFrozen) RunWorld(dt);
+    if (flags.worldFrozen) {
+        RunOverlays();
+    } else {
+        RunWorld(dt);
+    }
     UpdateRegionMusic();
     RunSequences(window, dt);
 }
@@ -158,6 +183,8 @@ void DrawGame(sf::RenderWindow& window) {
     sf::View seen = window.getView();
     DrawWorld(BeginPixelCanvas(window, seen));
     PresentPixelCanvas(window);
+    DrawPanels(window);
+    // The next frame's world is drawn with this view.
     window.setView(*GameCamera().view);
 }
 
@@ -168,6 +195,7 @@ void CleanupGame() {
     CleanupRoom();
     FreeSettingsScreen();
     FreeCredits();
+    FreePauseMenu();
     DestroyScreenFade();
     DestroyPixelCanvas();
     DestroyPlayer();

@@ -14,6 +14,9 @@ struct OverlayFlags {
     int merchantMenuOpen = 0;
     int shopOpen = 0;
     int worldFrozen = 0;
+    // The checkpoint and merchant menus unfolding: no pause opens meanwhile.
+    int checkpointMenuOpening = 0;
+    int merchantMenuOpening = 0;
 };
 
 OverlayFlags& Overlays();

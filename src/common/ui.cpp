@@ -46,7 +46,8 @@ int UpdateButtonHover(sf::Vector2f pointer, Button& button) {
 }
 
 void DrawButton(sf::RenderTarget& target, const Button& button) {
-    if (button.shape) target.draw(*button.shape);
+    // A clear background shows nothing; drawing it would only cost fill.
+    if (button.shape && button.shape->getFillColor().a != 0) target.draw(*button.shape);
     if (button.text) target.draw(*button.text);
 }
 

@@ -222,7 +222,7 @@ void LoadSettingsScreen() {
     CreateText(screen.title, screen.font.get(), "SETTINGS", {96, 27}, 96, {0, 0}, sf::Color::White);
     screen.backdrop = std::make_unique<sf::RectangleShape>(sf::Vector2f(1920, 1080));
     screen.backdrop->setOrigin(960, 540);
-    screen.backdrop->setFillColor(sf::Color(0, 0, 0, 200));
+    screen.backdrop->setFillColor(sf::Color(0, 0, 0, kSettingsBackdropAlpha));
     screen.backdrop->setPosition(960, 540);
     BuildSoundTab();
     BuildBindingTab();
@@ -295,9 +295,13 @@ void SettingsKeyPressed(const sf::Event& event) {
     }
 }
 
-void DrawSettingsScreen(sf::RenderTarget& target) {
+void CancelSettingsWaits() {
+    for (KeyEntry& key : screen.keys) key.waiting = 0;
+}
+
+void DrawSettingsScreen(sf::RenderTarget& target, bool withBackdrop) {
     if (!screen.loaded) return;
-    target.draw(*screen.backdrop);
+    if (withBackdrop) target.draw(*screen.backdrop);
     target.draw(*screen.title);
     if (GetSettingsTab() == SETTINGS_TAB_SOUND) {
         for (int i = 0; i < 3; i++) {

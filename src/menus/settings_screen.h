@@ -4,6 +4,9 @@
 
 #include <SFML/Graphics.hpp>
 
+// The screen darkens whatever is behind it with black of this alpha.
+constexpr sf::Uint8 kSettingsBackdropAlpha = 200;
+
 // Builds the screen from the files on disk (callers set the menu screen).
 void LoadSettingsScreen();
 // Per frame: a slider being dragged marks a pending change.
@@ -13,7 +16,11 @@ void SettingsMouseMoved(sf::Vector2f pointer);
 void SettingsMousePressed(const sf::Event& event);
 // Completes a pending rebinding.
 void SettingsKeyPressed(const sf::Event& event);
-void DrawSettingsScreen(sf::RenderTarget& target);
+// No key entry waits for a key any more.
+void CancelSettingsWaits();
+// A caller that has already darkened the target by the backdrop (the pause, which folds it into
+// its own darkening) leaves it out.
+void DrawSettingsScreen(sf::RenderTarget& target, bool withBackdrop = true);
 // Safe to call when nothing is loaded.
 void FreeSettingsScreen();
 
