@@ -107,7 +107,9 @@ def life_widths(life):
 
 def draw_hud(canvas, out, life, lost, flask, money, popup=None, vignette_alpha=0):
     """The HUD in the game's order: container, each piece's lost layer then fill, the flask,
-    the coin icon, the amount, the popup, the vignette. `lost` gives the lost layers' widths."""
+    the coin icon, the amount, the popup, the vignette. `lost` gives the lost layers' widths,
+    `flask` the heal clip and its frame (clip 0 is the full flask at the sheet's first frame,
+    clip k > 0 is sheet row k - 1)."""
     pics = {name: load(out, f"Assets/Sprites/HUD/Player/{name}.png")
             for name in ("LifeContainer", "LifeBar40", "LifeBar40Lost", "LifeBar30", "LifeBarLost")}
     draw_sprite(canvas, pics["LifeContainer"], hud.CONTAINER_POS)
@@ -120,7 +122,8 @@ def draw_hud(canvas, out, life, lost, flask, money, popup=None, vignette_alpha=0
         if fills[k] > 0:
             draw_sprite(canvas, fill[:, :fills[k]], (x, hud.BAR_POS[1]))
     sheet = load(out, "Assets/Sprites/HUD/Player/HealBar/HealSheet.png")
-    row, col = flask
+    clip, col = flask
+    row = max(clip - 1, 0)
     fr = sheet[row * hud.FRAME_H:(row + 1) * hud.FRAME_H, col * hud.FRAME_W:(col + 1) * hud.FRAME_W]
     draw_sprite(canvas, fr, hud.FLASK_POS)
     icon = load(out, "Assets/Sprites/HUD/Score/hud piece.png")
@@ -175,7 +178,7 @@ def hud_preview(out):
     put_bottom_centre(v, statue["Forest"], 520, floor)
     put_bottom_centre(v, hero, 250, floor)
     c = screen(v)
-    draw_hud(c, out, 20, (int(hud.PIECE1_W * 35 / 40), 0, 0), (5, 7), 1250,
+    draw_hud(c, out, 20, (int(hud.PIECE1_W * 35 / 40), 0, 0), (6, 7), 1250,
              vignette_alpha=int(abs(20 / 40 - 1) * 255))
     shots.append(c)
     sheet = Image.new("RGBA", (W * S, H * S * len(shots)))
