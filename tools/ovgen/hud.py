@@ -146,16 +146,19 @@ def life_container():
     # the groove the pieces fill: a dark panel between two gold rails, one gold finial each end
     slot = (xs >= BAR_X) & (xs < BAR_X + PIECE1_W + 2 * PIECE_W) & (ys >= BAR_Y) & (ys < BAR_Y + BAR_H)
     rails = ((xs >= BAR_X - 4) & (xs < CONTAINER_W - 4) &
-             (((ys >= BAR_Y - 3) & (ys < BAR_Y - 1)) | ((ys >= BAR_Y + BAR_H + 1) & (ys < BAR_Y + BAR_H + 3))))
+             (((ys >= BAR_Y - 3) & (ys < BAR_Y - 1)) |
+              ((ys >= BAR_Y + BAR_H + 1) & (ys < BAR_Y + BAR_H + 3))))
     end_x = BAR_X + PIECE1_W + 2 * PIECE_W            # 203: first column after piece 3
     cap_r = (xs >= end_x) & (xs < end_x + 2) & (ys >= BAR_Y - 3) & (ys < BAR_Y + BAR_H + 3)
     tip = (np.abs(ys - (BAR_Y + BAR_H / 2)) + (xs - end_x - 2) <= 3.2) & (xs >= end_x + 2)
     cap_l = (xs >= 56) & (xs < BAR_X - 1) & (ys >= BAR_Y - 3) & (ys < BAR_Y + BAR_H + 3)
-    cap_l |= (xs >= 56) & (xs < BAR_X - 4) & (np.abs(ys - (BAR_Y + BAR_H / 2)) <= BAR_H / 2 + 5 - 0.5 * (xs - 56))
+    cap_l |= (xs >= 56) & (xs < BAR_X - 4) & \
+        (np.abs(ys - (BAR_Y + BAR_H / 2)) <= BAR_H / 2 + 5 - 0.5 * (xs - 56))
     # studs on the rails where one piece meets the next
     studs = np.zeros_like(slot)
     for bx in (BAR_X + PIECE1_W, BAR_X + PIECE1_W + PIECE_W):
-        studs |= (np.abs(xs - bx) <= 1.0) & ((np.abs(ys - (BAR_Y - 4.5)) <= 1.0) | (np.abs(ys - (BAR_Y + BAR_H + 3.5)) <= 1.0))
+        studs |= (np.abs(xs - bx) <= 1.0) & ((np.abs(ys - (BAR_Y - 4.5)) <= 1.0) |
+                                             (np.abs(ys - (BAR_Y + BAR_H + 3.5)) <= 1.0))
     # the medallion on the left, overlapping the groove's left cap
     mc = (34.0, 31.0)
     r = np.hypot(xs - mc[0], ys - mc[1])
@@ -260,7 +263,8 @@ def flask(level, frame=0, frames=1, start=None, end=None):
     tone = px.bevel(cork, 1)
     px.paint_tones(s, tone, [CORK[1], CORK[2], CORK[3]])
     # reflections on the glass, always on top: a long curved streak on the lit side, a dot
-    streak = (np.abs(np.hypot(xs - cx, ys - cy) - 6.8) <= 0.55) & (xs < cx - 1.5) & (ys < cy + 1) & (ys > cy - 6.5)
+    streak = (np.abs(np.hypot(xs - cx, ys - cy) - 6.8) <= 0.55) & (xs < cx - 1.5) & \
+        (ys < cy + 1) & (ys > cy - 6.5)
     px.paint(s, streak, GLASS[4])
     px.paint(s, (np.abs(xs - (cx + 5.5)) < 0.6) & (np.abs(ys - (cy + 4.5)) < 0.6), GLASS[3])
     px.paint(s, (np.abs(xs - (cx - 1.5)) < 0.6) & (ys >= 6) & (ys < 8), GLASS[3])

@@ -148,7 +148,8 @@ def screen(view):
 def hud_preview(out):
     hero = hero_idle(out)
     statue = {r: load(out, f"Assets/Sprites/Objects/Checkpoint/{r}-Statue.png") for r in ("Forest", "City")}
-    outline = {r: load(out, f"Assets/Sprites/Objects/Checkpoint/{r}-StatueOutline.png") for r in ("Forest", "City")}
+    outline = {r: load(out, f"Assets/Sprites/Objects/Checkpoint/{r}-StatueOutline.png")
+               for r in ("Forest", "City")}
     small = load(out, "Assets/Sprites/Objects/small piece.png")
     big = load(out, "Assets/Sprites/Objects/big piece.png")
     floor = GROUND * tc.TILE
@@ -201,7 +202,8 @@ def checkpoint_menu(canvas, out, statue_pos, selected=0):
         k = 1.2 if i == selected else 1.0
         w, h = int(round(MENU_SIZE[0] * k)), int(round(MENU_SIZE[1] * k))
         cx, cy = ax, ay + 65 * i
-        canvas.alpha_composite(tex.resize((w, h), Image.NEAREST), (int(round(cx - w / 2)), int(round(cy - h / 2))))
+        canvas.alpha_composite(tex.resize((w, h), Image.NEAREST),
+                               (int(round(cx - w / 2)), int(round(cy - h / 2))))
         draw_text(canvas, font, label, 25, (cx, cy), (0.5, 0.8), k)
 
 

@@ -337,7 +337,8 @@ def city_statue():
         part("block", block, m["plinth"], "block", box_tone(block, 2, 3)),
         part("cornice", cornice, m["plinth"], "cornice", box_tone(cornice, 1, 2)),
         part("robe", robe | mantle, m["stone"], "robe", fold_tone(robe | mantle, 0.28, 0.66)),
-        part("blade", blade, m["steel"], "sword", np.where(blade, np.where(x < 0, 2, np.where(x < 1, 1, 0)), -1)),
+        part("blade", blade, m["steel"], "sword",
+             np.where(blade, np.where(x < 0, 2, np.where(x < 1, 1, 0)), -1)),
         part("guard", guard, m["copper"], "guard", box_tone(guard)),
         part("hood", hood, m["stone"], "hood", fold_tone(hood, 0.34, 0.70)),
         part("grip", grip | pommel, m["copper"], "grip", rig.tone_map(grip | pommel, 1, 1)),
@@ -383,7 +384,8 @@ def city_statue():
     for sx, ln in ((-15.5, 5), (-9.5, 3), (11.5, 6), (16.5, 2)):
         streak = (np.abs(x - sx) < 0.5) & (y < 20.5) & (y > 20.5 - ln) & block
         paint_px(img, streak, cc[0])
-    paint_px(img, block & (np.abs(y - 12.6) < 0.5) & ~niche & (np.abs(x) > 6.8) & (np.abs(x) < 17), m["plinth"].shadow)
+    mortar = block & (np.abs(y - 12.6) < 0.5) & ~niche & (np.abs(x) > 6.8) & (np.abs(x) < 17)
+    paint_px(img, mortar, m["plinth"].shadow)
     # the niche: a recess in shadow, its arch lit inside on the right, a candle glowing in it
     paint_px(img, niche, m["plinth"].ink)
     rim = px.outline_of(niche) & block
