@@ -6,8 +6,9 @@ on a plinth with a small warm flame. The game draws it x3 with the origin at the
 (the plinth's foot stands on the floor), and draws the outline picture first, under the statue,
 while the hero touches it: the outline is the statue's silhouette grown by 1 px (diagonals too) in
 the interface glow colour, on the same canvas, so the two bottom centres line up.
-- Forest (64 x 70): a hooded pilgrim kneeling in prayer, a candle cupped in its hands lighting its
-  face from below; moss on every surface that faces up, roots gripping a rough plinth, ferns at
+- Forest (64 x 64): a hooded pilgrim seen from the side, kneeling on its heels with its head
+  bowed over hands pressed together in prayer, votive candles burning at its knees; moss on
+  every surface that faces up and creeping over the plinth, roots gripping the plinth, ferns at
   its foot and a teal rune cut in the stone.
 - City (60 x 80): a hooded guardian of carved slate standing with both hands on a sword planted
   point down, a verdigris halo behind the head, copper bands on a stepped plinth and a candle in
