@@ -10,23 +10,26 @@ from . import pixel as px
 
 SHEET_W, PAD, LABEL_H = 1400, 16, 22
 BACKGROUND, CELL, TEXT = (30, 30, 34, 255), (42, 42, 48, 255), (210, 205, 190, 255)
-GAME_SCALE = {  # file name -> scale the game draws it at; anything else is drawn at 3
-    "GameMenu.png": 1.0, "ButtonSelectorLeft.png": 1.5, "ButtonSelectorRight.png": 1.5,
-    "bar.png": 1.0, "filler.png": 1.0, "button.png": 1.0, "windowSelect.png": 2.0,
-    "LogoStudio.png": 0.1, "LogoLumorra.png": 0.2,
+GAME_SCALE = {  # path under Assets/Sprites -> scale the game draws it at; anything else is drawn at 3
+    "Menu/GameMenu.png": 1.0, "Menu/ButtonSelectorLeft.png": 1.5, "Menu/ButtonSelectorRight.png": 1.5,
+    "Settings/bar.png": 1.0, "Settings/filler.png": 1.0, "Settings/button.png": 1.0,
+    "Settings/windowSelect.png": 2.0, "Logo/LogoStudio.png": 0.1, "Logo/LogoLumorra.png": 0.2,
+    "HUD/Player/vignette.png": 1.0,
 }
-SHEET_SCALE = {"GameMenu.png": 0.5}  # shown smaller than in game, to keep the sheet compact
+# shown smaller than in game, to keep the sheet compact
+SHEET_SCALE = {"Menu/GameMenu.png": 0.5, "HUD/Player/vignette.png": 0.25}
 
 
 def _entries(root):
     sprites = root / "Assets" / "Sprites"
     for path in sorted(sprites.rglob("*.png")):
-        game = GAME_SCALE.get(path.name, 3.0)
-        shown = SHEET_SCALE.get(path.name, game)
+        rel = path.relative_to(sprites).as_posix()
+        game = GAME_SCALE.get(rel, 3.0)
+        shown = SHEET_SCALE.get(rel, game)
         img = np.array(Image.open(path).convert("RGBA"))
         while img.shape[1] * shown > SHEET_W - 2 * PAD:
             shown /= 2
-        label = f"{path.relative_to(sprites).as_posix()}  x{game:g}"
+        label = f"{rel}  x{game:g}"
         if shown != game:
             label += f" (shown x{shown:g})"
         yield label, px.scale_nearest(img, shown)
