@@ -1,10 +1,15 @@
 #include "app/events.h"
 
+#include "app/game.h"
 #include "app/game_state.h"
 #include "app/input.h"
 #include "common/log.h"
+#include "common/ui.h"
+#include "interactables/checkpoint_menu.h"
+#include "interactables/statues.h"
 #include "menus/credits.h"
 #include "menus/main_menu.h"
+#include "menus/settings_files.h"
 #include "menus/settings_screen.h"
 #include "player/player.h"
 #include "player/player_combat.h"
@@ -80,13 +85,38 @@ void RouteJoystickConnection(const sf::Event& event) {
     }
 }
 
+// The INTERACT action, only with the feet on the ground: resting at a statue.
+void RunInteractAction() {
+    if (!PlayerStanding()) return;
+    Rest();
+}
+
+// While INTERACT is held (its key or gamepad button 1), any key press interacts instead.
+bool InteractHeld() {
+    return InputKeyDown(Settings().bindings[BINDING_INTERACT]) || InputJoystickButtonDown(0, 1);
+}
+
 void GameKeyPressed(int key) {
+    if (Overlays().checkpointMenuOpen) {
+        if (key == sf::Keyboard::Escape) CloseCheckpointMenu();
+        return;
+    }
+    if (InteractHeld()) {
+        RunInteractAction();
+        return;
+    }
     if (key == sf::Keyboard::Home) DebugOverlay() = DebugOverlay() ? 0 : 1;
     HandlePlayerKeyPressed(key);
 }
 
-// Gamepad button 0 jumps under the same conditions as the jump key, unless a dash is pending.
+// On the checkpoint menu button 0 confirms. Otherwise button 1 interacts, and button 0 jumps
+// under the same conditions as the jump key, unless a dash is pending.
 void GameButtonPressed(unsigned button) {
+    if (Overlays().checkpointMenuOpen) {
+        if (button == 0) ConfirmCheckpointSelection();
+        return;
+    }
+    if (button == 1) RunInteractAction();
     const Player& player = GetPlayer();
     if (!player.body.controllable) return;
     int state = player.body.state;
@@ -101,12 +131,28 @@ void GameButtonPressed(unsigned button) {
 }
 
 void GameMousePressed(const sf::Event& event) {
-    if (event.mouseButton.button == sf::Mouse::Left) PlayerAttackPressed();
+    bool left = event.mouseButton.button == sf::Mouse::Left;
+    if (left) PlayerAttackPressed();
     if (event.mouseButton.button == sf::Mouse::Right) PlayerHeavyPressed();
+    if (Overlays().checkpointMenuOpen && left) PressCheckpointMenu();
 }
 
-// The triggers: pulling the left one (Z below -0.1) asks for a dash; the pad up drinks a potion.
+// The world's menus are hovered in world coordinates, through the game view.
+void GameMouseMoved(const sf::RenderWindow& window, const sf::Event& event) {
+    const sf::View* view = GameView();
+    if (!view) return;
+    sf::Vector2f screen = MenuPointer(window, event.mouseMove.x, event.mouseMove.y);
+    if (Overlays().checkpointMenuOpen) HoverCheckpointMenu(ScreenToWorld(*view, screen));
+}
+
+// The vertical pad moves a menu's selection; whatever is open, pulling the left trigger (Z below
+// -0.1) asks for a dash and the pad up drinks a potion.
 void GameAxisMoved(const sf::Event& event) {
+    bool pad = event.joystickMove.axis == sf::Joystick::PovY;
+    if (Overlays().checkpointMenuOpen && pad) {
+        if (event.joystickMove.position < 0) MoveCheckpointSelection(+1);
+        if (event.joystickMove.position > 0) MoveCheckpointSelection(-1);
+    }
     Player& player = GetPlayer();
     int state = player.body.state;
     bool trigger = InputJoystickAxis(0, sf::Joystick::Z) < -0.1f;
@@ -114,12 +160,12 @@ void GameAxisMoved(const sf::Event& event) {
         Save().abilities.canDash) {
         player.body.dashRequest = 1;
     }
-    if (event.joystickMove.axis == sf::Joystick::PovY && event.joystickMove.position > 0) {
+    if (pad && event.joystickMove.position > 0) {
         PlayerPadHeal();
     }
 }
 
-void RouteGameEvent(const sf::Event& event) {
+void RouteGameEvent(const sf::RenderWindow& window, const sf::Event& event) {
     switch (event.type) {
         case sf::Event::KeyPressed: GameKeyPressed(event.key.code); break;
         case sf::Event::JoystickButtonPressed:
@@ -127,6 +173,7 @@ void RouteGameEvent(const sf::Event& event) {
             break;
         case sf::Event::JoystickMoved: GameAxisMoved(event); break;
         case sf::Event::MouseButtonPressed: GameMousePressed(event); break;
+        case sf::Event::MouseMoved: GameMouseMoved(window, event); break;
         default: break;
     }
 }
@@ -158,7 +205,7 @@ void PollEvents(AppWindow& app) {
         if (GetGameState() == GAME_STATE_MENU) {
             RouteMenuEvent(app, event);
         } else if (GetGameState() == GAME_STATE_GAME) {
-            RouteGameEvent(event);
+            RouteGameEvent(*app.window, event);
         }
         if (event.type == sf::Event::KeyPressed && event.key.code == sf::Keyboard::F11) {
             ToggleFullScreen(app);

@@ -5,6 +5,8 @@
 #include "app/region_music.h"
 #include "common/log.h"
 #include "enemies/enemies.h"
+#include "interactables/checkpoint_menu.h"
+#include "interactables/statues.h"
 #include "menus/credits.h"
 #include "menus/settings_screen.h"
 #include "player/player.h"
@@ -66,9 +68,14 @@ void RunWorld(float dt) {
              : sf::Vector2f(body.left + body.width / 2, body.top + body.height / 2);
     UpdateEnemies(dt, target);
     FadeEnemyFlashes(dt);
+    UpdateStatueOutlines(PlayerBodyBounds());
     CheckDeathZones();
     CheckLockedDoorTriggers(PlayerBodyBounds());
     UpdateDoors(CountDeadEnemies(), dt);
+    if (flags.checkpointMenuOpen) {
+        UpdateCheckpointMenu(GetPlayerPosition().x, dt);
+        SetPlayerControllable(flags.checkpointMenuOpen ? 0 : 1);
+    }
     UpdateRoomProximity(view.getCenter(), 1.21f * view.getSize().x, dt);
     if (Transition().respawnStep == 0) ClampViewToContainer();
     if (!Transition().transitionActive) CheckTransitionDoors();
@@ -104,6 +111,7 @@ void DrawWorld(sf::RenderTarget& target) {
     DrawDoors(target);
     DrawRoomMiddleLayers(target);
     DrawRoomDebug(target);
+    DrawStatues(target);
     DrawEnemies(target, true, false);
     DrawPlayer(target);
     DrawRoomForeground(target);
@@ -126,6 +134,7 @@ void SetPlayerControllable(int controllable) {
 void LoadGame(sf::RenderWindow& window) {
     Log("Load Game\n");
     flags = OverlayFlags();
+    FreeCheckpointMenu();
     LoadSave();
     CreatePlayer({0, 0});
     LoadEnemyAssets();
@@ -159,6 +168,8 @@ void DrawGame(sf::RenderWindow& window) {
     DrawWorld(BeginPixelCanvas(window, seen));
     PresentPixelCanvas(window);
     window.setView(*GameCamera().view);
+    // The world's menus stand in the world but are drawn sharp, over the scaled-up canvas.
+    if (flags.checkpointMenuOpen) DrawCheckpointMenu(window);
 }
 
 void CleanupGame() {
@@ -166,6 +177,8 @@ void CleanupGame() {
     DestroyCamera();
     DestroyEnemyAssets();
     CleanupRoom();
+    DestroyStatues();
+    FreeCheckpointMenu();
     FreeSettingsScreen();
     FreeCredits();
     DestroyScreenFade();
