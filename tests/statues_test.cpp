@@ -22,6 +22,7 @@
 namespace {
 
 constexpr float kDt = 1.0f / 60.0f;
+const char* const kStatueFolder = "Assets/Sprites/Objects/Checkpoint";
 
 const char* const kRestedInRoom2 =
     "////////////////////\nCHECKPOINT DATA :\ncheckpointID 0\nroomID 2\n"
@@ -358,6 +359,15 @@ TEST_F(StatueTest, TheMenuFoldsAndFreesItsButtonsOnLeaveEscapeOrDistance) {
 }
 
 TEST_F(StatueTest, OnlyTheCheckpointRoomsBeyondTheFirstShowStatues) {
+    // Pictures of our own in the sandbox, so the statues' placing shows whatever the art is.
+    for (const char* name : {"Forest-Statue.png", "Forest-StatueOutline.png"}) {
+        std::filesystem::path path = std::filesystem::path(kStatueFolder) / name;
+        std::filesystem::create_directories(kStatueFolder);
+        std::filesystem::remove(path);  // never write through a link into the repository
+        sf::Image image;
+        image.create(16, 32, sf::Color::Red);
+        ASSERT_TRUE(image.saveToFile(path.string()));
+    }
     const struct {
         int room;
         size_t statues;
@@ -371,10 +381,31 @@ TEST_F(StatueTest, OnlyTheCheckpointRoomsBeyondTheFirstShowStatues) {
         }
         for (size_t i = 0; i < Statues().size(); i++) {
             sf::Vector2f feet = CheckpointSpawnPosition(int(i));
-            EXPECT_EQ(Statues()[i].statueSprite->getPosition(), feet);
-            EXPECT_EQ(Statues()[i].outlineSprite->getPosition(), feet);
+            for (const SpritePtr* sprite :
+                 {&Statues()[i].statueSprite, &Statues()[i].outlineSprite}) {
+                ASSERT_NE((*sprite)->getTexture(), nullptr);
+                // Three times the picture, standing on its bottom centre.
+                sf::FloatRect bounds = (*sprite)->getGlobalBounds();
+                EXPECT_EQ(bounds, sf::FloatRect(feet.x - 24, feet.y - 96, 48, 96));
+            }
         }
     }
+}
+
+TEST_F(StatueTest, AMissingPictureLeavesTheStatueInvisibleAndSaysSo) {
+    for (const char* name : {"City-Statue.png", "City-StatueOutline.png"}) {
+        std::filesystem::remove(std::filesystem::path(kStatueFolder) / name);  // the sandbox's link
+    }
+    CleanupRoom();
+    testing::internal::CaptureStdout();
+    LoadStatueTextures(REGION_CITY);
+    AddStatue({500, 500});
+    std::string log = testing::internal::GetCapturedStdout();
+    EXPECT_NE(log.find("\nerror function CreateSprite : no texture\n"), std::string::npos);
+    ASSERT_EQ(Statues().size(), 1u);
+    EXPECT_EQ(Statues()[0].statueSprite->getTexture(), nullptr);
+    EXPECT_EQ(Statues()[0].outlineSprite->getTexture(), nullptr);
+    Frames(2);  // drawn as nothing
 }
 
 TEST_F(StatueTest, LoadingCleaningAndReloadingAStatueRoomKeepsOneStatue) {
