@@ -61,12 +61,13 @@ protected:
 
     static int InteractKey() { return Settings().bindings[BINDING_INTERACT]; }
 
-    // A press of the INTERACT key, routed by one frame; returns what was printed.
+    // A quick tap of the INTERACT key, already released when the frame reads its events;
+    // returns what was printed.
     std::string PressInteract() {
         testing::internal::CaptureStdout();
         InputScriptPressKey(sf::Keyboard::Key(InteractKey()));
-        Frames(1);
         InputScriptReleaseKey(sf::Keyboard::Key(InteractKey()));
+        Frames(1);
         return testing::internal::GetCapturedStdout();
     }
 

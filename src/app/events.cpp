@@ -91,9 +91,11 @@ void RunInteractAction() {
     Rest();
 }
 
-// While INTERACT is held (its key or gamepad button 1), any key press interacts instead.
-bool InteractHeld() {
-    return InputKeyDown(Settings().bindings[BINDING_INTERACT]) || InputJoystickButtonDown(0, 1);
+// While INTERACT is held (its key or gamepad button 1), any key press interacts instead. The
+// INTERACT key's own press counts too, however short the tap that was already released.
+bool InteractHeld(int pressedKey) {
+    int interact = Settings().bindings[BINDING_INTERACT];
+    return pressedKey == interact || InputKeyDown(interact) || InputJoystickButtonDown(0, 1);
 }
 
 void GameKeyPressed(int key) {
@@ -101,7 +103,7 @@ void GameKeyPressed(int key) {
         if (key == sf::Keyboard::Escape) CloseCheckpointMenu();
         return;
     }
-    if (InteractHeld()) {
+    if (InteractHeld(key)) {
         RunInteractAction();
         return;
     }
