@@ -118,6 +118,20 @@ TEST(Motion, TweenEasesTheScaleAndFinishes) {
     EXPECT_EQ(shape.getScale(), sf::Vector2f(0.5f, 3));
 }
 
+TEST(Motion, PositionTweenEasesToTheTargetAndStaysDone) {
+    sf::RectangleShape shape({10, 10});
+    shape.setPosition(100, 200);
+    Tween tween;
+    EXPECT_EQ(TweenShapePosition(shape, {100, 330}, 0.5f, 0.125f, tween, EASE_CUBIC_IN_OUT), 0);
+    EXPECT_FLOAT_EQ(shape.getPosition().y, 200 + 130 * 0.0625f);  // a quarter in: 4t^3
+    EXPECT_EQ(TweenShapePosition(shape, {100, 330}, 0.5f, 0.125f, tween, EASE_CUBIC_IN_OUT), 0);
+    EXPECT_FLOAT_EQ(shape.getPosition().y, 265);
+    EXPECT_EQ(TweenShapePosition(shape, {100, 330}, 0.5f, 0.3f, tween, EASE_CUBIC_IN_OUT), 1);
+    EXPECT_EQ(shape.getPosition(), sf::Vector2f(100, 330));
+    EXPECT_EQ(TweenShapePosition(shape, {100, 330}, 0.5f, 0.1f, tween, EASE_CUBIC_IN_OUT), 1);
+    EXPECT_EQ(tween.from, sf::Vector2f(100, 200));  // the start is kept until the caller resets
+}
+
 TEST(Drawables, ZeroRectangleMeansTheWholeTextureAndOriginFollowsIt) {
     TexturePtr texture = SolidTexture(40, 20, sf::Color::Red);
     SpritePtr sprite;
@@ -181,6 +195,25 @@ TEST(Ui, HoverDarkensWithoutWrappingBelowBlack) {
     EXPECT_EQ(UpdateButtonHover({200, 121}, button), 0);  // just below the 40 px box
     EXPECT_EQ(button.shape->getFillColor(), sf::Color(50, 100, 200, 128));
     EXPECT_EQ(button.text->getFillColor(), sf::Color(90, 200, 255));
+}
+
+TEST(Ui, ScreenPointsMapIntoWhatTheViewShows) {
+    const struct {
+        sf::View view;
+        sf::Vector2f screen;
+        sf::Vector2f world;
+    } cases[] = {
+        {sf::View({960, 540}, {1920, 1080}), {100, 200}, {100, 200}},
+        {sf::View({5000, 2000}, {1920, 1080}), {0, 0}, {4040, 1460}},
+        {sf::View({1000, 1000}, {960, 540}), {0, 0}, {520, 730}},  // zoomed in
+        {sf::View({1000, 1000}, {960, 540}), {1920, 1080}, {1480, 1270}},
+        {sf::View({0, 0}, {3840, 2160}), {960, 540}, {0, 0}},  // zoomed out
+    };
+    for (const auto& c : cases) {
+        sf::Vector2f world = ScreenToWorld(c.view, c.screen);
+        EXPECT_FLOAT_EQ(world.x, c.world.x);
+        EXPECT_FLOAT_EQ(world.y, c.world.y);
+    }
 }
 
 TEST(Ui, SelectorFramesTheLabelFiftyPixelsOut) {

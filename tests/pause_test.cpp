@@ -163,8 +163,7 @@ TEST_F(PauseTest, HoldingTheButtonAndMovingOntoResumeClosesOnTheFirstHoveredFram
 
 TEST_F(PauseTest, OpensOnlyInFreePlayAndThePadResumesWithButtonZero) {
     for (int OverlayFlags::*blocker :
-         {&OverlayFlags::mapOpen, &OverlayFlags::shopOpen, &OverlayFlags::checkpointMenuOpening,
-          &OverlayFlags::merchantMenuOpening}) {
+         {&OverlayFlags::mapOpen, &OverlayFlags::shopOpen, &OverlayFlags::merchantMenuOpening}) {
         Overlays().*blocker = 1;
         Press(sf::Keyboard::Escape);
         Pad(7);

@@ -5,6 +5,7 @@
 
 #include <filesystem>
 
+#include "common/file_write.h"
 #include "support/fixture.h"
 
 namespace {
@@ -76,4 +77,28 @@ TEST_F(SaveFile, AnUnwritableSaveKeepsTheNewValuesInMemory) {
     WriteNewGameSave();
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "Open file error!\n");
     EXPECT_EQ(Save().roomID, 16);  // a new game that cannot be written changes nothing
+}
+
+TEST_F(SaveFile, AFileIsReplacedWholeOrNotAtAll) {
+    namespace fs = std::filesystem;
+    fs::create_directories("Assets/Saves/Busy");
+    WriteFile("Assets/Saves/Old.txt", "old text\n");
+    const struct {
+        const char* path;
+        bool written;
+    } cases[] = {
+        {"Assets/Saves/New.txt", true},
+        {"Assets/Saves/Old.txt", true},
+        {"Assets/Saves/Busy", false},       // a folder stands where the file would go
+        {"Assets/Nowhere/New.txt", false},  // the folder is missing
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.path);
+        EXPECT_EQ(WriteFileSafely(c.path, "new text\n"), c.written);
+        EXPECT_FALSE(fs::exists(std::string(c.path) + ".tmp"));
+        if (c.written) {
+            EXPECT_EQ(ReadFile(c.path), "new text\n");
+        }
+    }
+    EXPECT_TRUE(fs::is_directory("Assets/Saves/Busy"));
 }

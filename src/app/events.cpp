@@ -4,9 +4,13 @@
 #include "app/game_state.h"
 #include "app/input.h"
 #include "common/log.h"
+#include "common/ui.h"
+#include "interactables/checkpoint_menu.h"
+#include "interactables/statues.h"
 #include "menus/credits.h"
 #include "menus/main_menu.h"
 #include "menus/pause_menu.h"
+#include "menus/settings_files.h"
 #include "menus/settings_screen.h"
 #include "player/player.h"
 #include "player/player_combat.h"
@@ -99,7 +103,7 @@ void PlayerAxisMoved(const sf::Event& event) {
 // Escape or gamepad button 7 in free play. The panel is made ready in every case.
 void RequestPause() {
     OverlayFlags& flags = Overlays();
-    bool unfolding = flags.checkpointMenuOpening || flags.merchantMenuOpening;
+    bool unfolding = CheckpointMenuOpening() || flags.merchantMenuOpening;
     if (GetMenuScreen() == MENU_SCREEN_LIST && !unfolding && !flags.mapOpen && !flags.shopOpen) {
         flags.pauseOpen = 1;
         flags.worldFrozen = 1;
@@ -122,19 +126,42 @@ void PauseKeyPressed(const sf::Event& event) {
     }
 }
 
+// The INTERACT action, only with the feet on the ground: resting at a statue.
+void RunInteractAction() {
+    if (!PlayerStanding()) return;
+    Rest();
+}
+
+// While INTERACT is held (its key or gamepad button 1), any key press interacts instead. The
+// INTERACT key's own press counts too, however short the tap that was already released.
+bool InteractHeld(int pressedKey) {
+    int interact = Settings().bindings[BINDING_INTERACT];
+    return pressedKey == interact || InputKeyDown(interact) || InputJoystickButtonDown(0, 1);
+}
+
 void GameKeyPressed(const sf::Event& event) {
+    int key = event.key.code;
     if (Overlays().pauseOpen) {
         PauseKeyPressed(event);
         return;
     }
-    int key = event.key.code;
+    if (Overlays().checkpointMenuOpen) {
+        if (key == sf::Keyboard::Escape) CloseCheckpointMenu();
+        return;
+    }
+    if (InteractHeld(key)) {
+        RunInteractAction();
+        return;
+    }
     if (key == sf::Keyboard::Escape) RequestPause();
     if (key == sf::Keyboard::Home) DebugOverlay() = DebugOverlay() ? 0 : 1;
     HandlePlayerKeyPressed(key);
 }
 
-// Gamepad button 0 jumps under the same conditions as the jump key, unless a dash is pending.
+// Gamepad button 1 interacts; button 0 jumps under the same conditions as the jump key, unless a
+// dash is pending.
 void PlayerButtonPressed(unsigned button) {
+    if (button == 1) RunInteractAction();
     const Player& player = GetPlayer();
     if (!player.body.controllable) return;
     int state = player.body.state;
@@ -156,22 +183,31 @@ void GameButtonPressed(sf::RenderWindow& window, unsigned button) {
         }
         return;
     }
+    if (Overlays().checkpointMenuOpen) {
+        if (button == 0) ConfirmCheckpointSelection();
+        return;
+    }
     if (button == 7) RequestPause();
     PlayerButtonPressed(button);
 }
 
+// The pause is pointed at on its 1920 x 1080 canvas, the world's menus in world coordinates.
 void GameMouseMoved(const sf::RenderWindow& window, const sf::Event& event) {
-    if (!Overlays().pauseOpen) return;
-    HoverPauseButtons(MenuPointer(window, event.mouseMove.x, event.mouseMove.y));
+    sf::Vector2f screen = MenuPointer(window, event.mouseMove.x, event.mouseMove.y);
+    if (Overlays().pauseOpen) HoverPauseButtons(screen);
+    const sf::View* view = GameView();
+    if (view && Overlays().checkpointMenuOpen) HoverCheckpointMenu(ScreenToWorld(*view, screen));
 }
 
 void GameMousePressed(sf::RenderWindow& window, const sf::Event& event) {
-    if (event.mouseButton.button == sf::Mouse::Left) PlayerAttackPressed();
+    bool left = event.mouseButton.button == sf::Mouse::Left;
+    if (left) PlayerAttackPressed();
     if (event.mouseButton.button == sf::Mouse::Right) PlayerHeavyPressed();
+    if (Overlays().checkpointMenuOpen && left) PressCheckpointMenu();
     if (!Overlays().pauseOpen) return;
     if (GetMenuScreen() == MENU_SCREEN_SETTINGS) {
         SettingsMousePressed(event);
-    } else if (event.mouseButton.button == sf::Mouse::Left) {
+    } else if (left) {
         // RESUME is polled by the game update.
         for (int entry : {PAUSE_ENTRY_SETTINGS, PAUSE_ENTRY_MAIN_MENU}) {
             if (PauseButtonHovered(entry)) {
@@ -182,13 +218,18 @@ void GameMousePressed(sf::RenderWindow& window, const sf::Event& event) {
     }
 }
 
-// The pad's vertical axis moves the pause selection; the world part (dash, heal) follows
-// whatever is open.
+// The pad's vertical axis moves the selection of the first menu open; the world part (dash,
+// heal) follows whatever is open.
 void GameAxisMoved(const sf::Event& event) {
+    bool pad = event.joystickMove.axis == sf::Joystick::PovY;
+    int step = event.joystickMove.position < 0 ? +1 : (event.joystickMove.position > 0 ? -1 : 0);
     bool onPauseList = Overlays().pauseOpen && GetMenuScreen() == MENU_SCREEN_LIST;
-    if (onPauseList && event.joystickMove.axis == sf::Joystick::PovY) {
-        if (event.joystickMove.position < 0) MovePauseSelection(+1);
-        if (event.joystickMove.position > 0) MovePauseSelection(-1);
+    if (pad && step != 0) {
+        if (onPauseList) {
+            MovePauseSelection(step);
+        } else if (Overlays().checkpointMenuOpen) {
+            MoveCheckpointSelection(step);
+        }
     }
     PlayerAxisMoved(event);
 }

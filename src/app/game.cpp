@@ -5,6 +5,8 @@
 #include "app/region_music.h"
 #include "common/log.h"
 #include "enemies/enemies.h"
+#include "interactables/checkpoint_menu.h"
+#include "interactables/statues.h"
 #include "menus/credits.h"
 #include "menus/pause_menu.h"
 #include "menus/settings_screen.h"
@@ -67,9 +69,14 @@ void RunWorld(float dt) {
              : sf::Vector2f(body.left + body.width / 2, body.top + body.height / 2);
     UpdateEnemies(dt, target);
     FadeEnemyFlashes(dt);
+    UpdateStatueOutlines(PlayerBodyBounds());
     CheckDeathZones();
     CheckLockedDoorTriggers(PlayerBodyBounds());
     UpdateDoors(CountDeadEnemies(), dt);
+    if (flags.checkpointMenuOpen) {
+        UpdateCheckpointMenu(GetPlayerPosition().x, dt);
+        SetPlayerControllable(flags.checkpointMenuOpen ? 0 : 1);
+    }
     UpdateRoomProximity(view.getCenter(), 1.21f * view.getSize().x, dt);
     if (Transition().respawnStep == 0) ClampViewToContainer();
     if (!Transition().transitionActive) CheckTransitionDoors();
@@ -110,6 +117,7 @@ void DrawWorld(sf::RenderTarget& target) {
     DrawDoors(target);
     DrawRoomMiddleLayers(target);
     DrawRoomDebug(target);
+    DrawStatues(target);
     DrawEnemies(target, true, false);
     DrawPlayer(target);
     DrawRoomForeground(target);
@@ -146,6 +154,7 @@ void SetPlayerControllable(int controllable) {
 void LoadGame(sf::RenderWindow& window) {
     Log("Load Game\n");
     flags = OverlayFlags();
+    FreeCheckpointMenu();
     LoadSave();
     CreatePlayer({0, 0});
     LoadEnemyAssets();
@@ -186,6 +195,8 @@ void DrawGame(sf::RenderWindow& window) {
     DrawPanels(window);
     // The next frame's world is drawn with this view.
     window.setView(*GameCamera().view);
+    // The world's menus stand in the world but are drawn sharp, over the scaled-up canvas.
+    if (flags.checkpointMenuOpen) DrawCheckpointMenu(window);
 }
 
 void CleanupGame() {
@@ -193,6 +204,8 @@ void CleanupGame() {
     DestroyCamera();
     DestroyEnemyAssets();
     CleanupRoom();
+    DestroyStatues();
+    FreeCheckpointMenu();
     FreeSettingsScreen();
     FreeCredits();
     FreePauseMenu();

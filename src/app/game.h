@@ -15,7 +15,6 @@ struct OverlayFlags {
     int shopOpen = 0;
     int worldFrozen = 0;
     // The checkpoint and merchant menus unfolding: no pause opens meanwhile.
-    int checkpointMenuOpening = 0;
     int merchantMenuOpening = 0;
 };
 

@@ -95,3 +95,21 @@ int TweenShapeScale(sf::Transformable& shape, sf::Vector2f targetScale, float du
     shape.setScale(tween.from + (targetScale - tween.from) * eased);
     return progress >= 1 ? 1 : 0;
 }
+
+int TweenShapePosition(sf::Transformable& shape, sf::Vector2f target, float duration, float dt,
+                       Tween& tween, int easing) {
+    sf::Vector2f position = shape.getPosition();
+    if (!tween.started) {
+        tween.elapsed = 0;
+        tween.from = position;
+        tween.duration = duration;
+        tween.started = 1;
+        tween.easing = easing;
+    }
+    if (duration == 0) shape.setPosition(target);
+    if (tween.elapsed >= tween.duration) return 1;
+    tween.elapsed += dt;
+    float progress = std::min(1.0f, tween.elapsed / tween.duration);
+    shape.setPosition(tween.from + (target - tween.from) * Ease(tween.easing, progress));
+    return progress >= 1 ? 1 : 0;
+}

@@ -24,3 +24,7 @@ int FadeSpriteColor(sf::Sprite& sprite, sf::Color target, float dt, float rate);
 // Eased scale change over a duration (cubic in-out).
 int TweenShapeScale(sf::Transformable& shape, sf::Vector2f targetScale, float duration, float dt,
                     Tween& tween);
+// Eased move of a position to a target over a duration, with the given easing kind. The tween
+// keeps its starting point in `from`; once done it goes on answering 1 until the caller resets it.
+int TweenShapePosition(sf::Transformable& shape, sf::Vector2f target, float duration, float dt,
+                       Tween& tween, int easing);

@@ -45,6 +45,11 @@ int UpdateButtonHover(sf::Vector2f pointer, Button& button) {
     return inside ? 1 : 0;
 }
 
+sf::Vector2f ScreenToWorld(const sf::View& view, sf::Vector2f screen) {
+    float factor = view.getSize().x / 1920.0f;
+    return view.getCenter() - view.getSize() / 2.0f + screen * factor;
+}
+
 void DrawButton(sf::RenderTarget& target, const Button& button) {
     // A clear background shows nothing; drawing it would only cost fill.
     if (button.shape && button.shape->getFillColor().a != 0) target.draw(*button.shape);

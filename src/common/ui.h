@@ -44,6 +44,10 @@ void CreateListButton(Button& button, sf::Vector2f size, const sf::Font* font,
 // Shades the button while the pointer is over it; returns 1 when it is.
 int UpdateButtonHover(sf::Vector2f pointer, Button& button);
 
+// Menus that stand in the world (checkpoint, merchant) are hovered in world coordinates: a pointer
+// on the 1920 x 1080 screen maps into what the view shows, the same factor on both axes.
+sf::Vector2f ScreenToWorld(const sf::View& view, sf::Vector2f screen);
+
 void DrawButton(sf::RenderTarget& target, const Button& button);
 void FreeButton(Button& button);
 

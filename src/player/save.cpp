@@ -2,7 +2,9 @@
 
 #include <cstdio>
 #include <initializer_list>
+#include <string>
 
+#include "common/file_write.h"
 #include "common/log.h"
 
 namespace {
@@ -11,21 +13,27 @@ SaveRecord save;
 
 const char* const kRule = "////////////////////\n";
 
-void WriteCheckpointSection(std::FILE* file) {
-    std::fprintf(file, "%s", kRule);
-    std::fprintf(file, "CHECKPOINT DATA :\n");
-    std::fprintf(file, "checkpointID %d\n", save.checkpointID);
-    std::fprintf(file, "roomID %d\n", save.roomID);
+std::string Line(const char* format, int value) {
+    char buffer[64];
+    std::snprintf(buffer, sizeof buffer, format, value);
+    return buffer;
 }
 
-void WriteAbilitiesSection(std::FILE* file) {
-    const Abilities& a = save.abilities;
-    std::fprintf(file, "%s", kRule);
-    std::fprintf(file, "ABILITIES DATA :\n");
-    std::fprintf(file, "canDash %d\n", a.canDash);
-    std::fprintf(file, "canRun %d\n", a.canRun);
-    std::fprintf(file, "CanCreatePlatform %d\n", a.CanCreatePlatform);
-    std::fprintf(file, "potionCount %d\n", a.potionCount);
+// Lines 1 to 4: the checkpoint rested at.
+std::string CheckpointSection(const SaveRecord& record) {
+    return std::string(kRule) + "CHECKPOINT DATA :\n" +
+           Line("checkpointID %d\n", record.checkpointID) + Line("roomID %d\n", record.roomID);
+}
+
+// Lines 5 to 10: the abilities and the potions.
+std::string AbilitiesSection(const Abilities& a) {
+    return std::string(kRule) + "ABILITIES DATA :\n" + Line("canDash %d\n", a.canDash) +
+           Line("canRun %d\n", a.canRun) + Line("CanCreatePlatform %d\n", a.CanCreatePlatform) +
+           Line("potionCount %d\n", a.potionCount);
+}
+
+std::string SaveText(const SaveRecord& record) {
+    return CheckpointSection(record) + AbilitiesSection(record.abilities);
 }
 
 bool Complete() {
@@ -39,14 +47,7 @@ bool Complete() {
 
 // Rewrites the whole file from the record.
 void WriteWholeSave() {
-    std::FILE* file = std::fopen(kSavePath, "w");
-    if (!file) {
-        LogError("Open file error !\n");
-        return;
-    }
-    WriteCheckpointSection(file);
-    WriteAbilitiesSection(file);
-    std::fclose(file);
+    if (!WriteFileSafely(kSavePath, SaveText(save))) LogError("Open file error !\n");
 }
 
 }  // namespace
@@ -73,17 +74,15 @@ void LoadSave() {
 }
 
 void WriteNewGameSave() {
-    std::FILE* file = std::fopen(kSavePath, "w+");
-    if (!file) {
+    SaveRecord fresh;
+    fresh.checkpointID = 0;
+    fresh.roomID = 1;
+    fresh.abilities = {0, 0, 0, 1};
+    if (!WriteFileSafely(kSavePath, SaveText(fresh))) {
         LogError("Open file error!\n");
         return;
     }
-    save.checkpointID = 0;
-    save.roomID = 1;
-    save.abilities = {0, 0, 0, 1};
-    WriteCheckpointSection(file);
-    WriteAbilitiesSection(file);
-    std::fclose(file);
+    save = fresh;
 }
 
 void WriteCheckpointSave(int checkpointID, int roomID) {

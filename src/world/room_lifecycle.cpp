@@ -1,6 +1,7 @@
 #include "world/room_lifecycle.h"
 
 #include "enemies/enemies.h"
+#include "interactables/statues.h"
 #include "world/camera.h"
 #include "world/doors.h"
 #include "world/room.h"
@@ -14,6 +15,7 @@ int currentRoom = 0;
 void LoadNextTargetRoom(sf::RenderWindow& window, int roomNumber) {
     currentRoom = roomNumber;
     LoadRoomMap(window, RoomMapPath(roomNumber), 32, 3.0f, roomNumber);
+    LoadStatueTextures(CurrentRoom().region);
     Camera& camera = GameCamera();
     if ((roomNumber == 14 || roomNumber == 23) && camera.view && CurrentRoom().cameraContainer) {
         sf::Vector2f fitted = FitViewSize(CurrentRoom().cameraContainer->getSize());
@@ -23,6 +25,7 @@ void LoadNextTargetRoom(sf::RenderWindow& window, int roomNumber) {
     }
     const Room& room = CurrentRoom();
     CreateDoorSprites(room.region);
+    AddRoomStatues(roomNumber);
     for (const EnemySpawn& spawn : room.enemySpawns) {
         AddEnemy(spawn.enemyType, spawn.position, spawn.containerId, room.region);
     }
@@ -31,6 +34,7 @@ void LoadNextTargetRoom(sf::RenderWindow& window, int roomNumber) {
 void CleanupRoom() {
     DestroyAllEnemies();
     ReleaseRoom();
+    DestroyStatues();
     FreeDoorSprites();
 }
 

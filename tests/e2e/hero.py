@@ -64,10 +64,33 @@ def door_leads_to_the_next_room(binary):
         game.close()
 
 
+def rest_at_the_statue(binary):
+    """INTERACT at room 2's statue saves there and unfolds the menu; Escape folds it again."""
+    game = start(binary, ROOM2_SAVE + "an old line that a rest rewrites away\n")
+    try:
+        interact = key_for("INTERACT", game.read("Assets/Settings/BindingSettings.txt"))
+        before = game.screenshot("rest-before")
+        game.key(interact)
+        game.wait_for_line("OUI !", timeout=10)
+        time.sleep(2.0)  # unfolding, then sliding
+        unfolded = game.screenshot("rest-menu")
+        assert game.read("Assets/Saves/PlayerSave.txt") == ROOM2_SAVE, "the save was not rewritten"
+        shown = difference(before, unfolded)
+        assert shown > 3 * 175 * 52 // 2, "the menu hardly shows (%d pixels changed)" % shown
+        game.key("Escape")
+        time.sleep(1.5)
+        folded = game.screenshot("rest-folded")
+        gone = difference(unfolded, folded)
+        assert gone > 3 * 175 * 52 // 2, "the menu stayed (%d pixels changed)" % gone
+    finally:
+        game.close()
+
+
 def main(binary):
     walk_moves_the_view(binary)
     door_leads_to_the_next_room(binary)
-    print("hero end to end: 2 passed, 0 failed")
+    rest_at_the_statue(binary)
+    print("hero end to end: 3 passed, 0 failed")
 
 
 if __name__ == "__main__":
