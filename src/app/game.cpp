@@ -192,11 +192,12 @@ void DrawGame(sf::RenderWindow& window) {
     sf::View seen = window.getView();
     DrawWorld(BeginPixelCanvas(window, seen));
     PresentPixelCanvas(window);
+    // The world's menus stand in the world but are drawn sharp, over the scaled-up canvas.
+    window.setView(*GameCamera().view);
+    if (flags.checkpointMenuOpen) DrawCheckpointMenu(window);
     DrawPanels(window);
     // The next frame's world is drawn with this view.
     window.setView(*GameCamera().view);
-    // The world's menus stand in the world but are drawn sharp, over the scaled-up canvas.
-    if (flags.checkpointMenuOpen) DrawCheckpointMenu(window);
 }
 
 void CleanupGame() {
