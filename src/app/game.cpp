@@ -5,6 +5,8 @@
 #include "app/region_music.h"
 #include "common/log.h"
 #include "enemies/enemies.h"
+#include "hud/player_hud.h"
+#include "interactables/money.h"
 #include "menus/credits.h"
 #include "menus/settings_screen.h"
 #include "player/player.h"
@@ -69,9 +71,13 @@ void RunWorld(float dt) {
     CheckDeathZones();
     CheckLockedDoorTriggers(PlayerBodyBounds());
     UpdateDoors(CountDeadEnemies(), dt);
+    UpdatePlayerHud(GetPlayer().life, GetPlayer().potions, dt);
     UpdateRoomProximity(view.getCenter(), 1.21f * view.getSize().x, dt);
     if (Transition().respawnStep == 0) ClampViewToContainer();
     if (!Transition().transitionActive) CheckTransitionDoors();
+    // Coins home in on the hero's chest.
+    body = PlayerBodyBounds();
+    UpdateMoney(dt, {body.left + 0.5f * body.width, body.top + 0.45f * body.height});
     EnemiesHitPlayer();
     PlayerHitsEnemies();
 }
@@ -105,6 +111,7 @@ void DrawWorld(sf::RenderTarget& target) {
     DrawRoomMiddleLayers(target);
     DrawRoomDebug(target);
     DrawEnemies(target, true, false);
+    DrawCoins(target);
     DrawPlayer(target);
     DrawRoomForeground(target);
     DrawFade(target);
@@ -133,6 +140,8 @@ void LoadGame(sf::RenderWindow& window) {
     LoadNextTargetRoom(window, Save().roomID);
     SetPlayerPosition(CheckpointSpawnPosition(Save().checkpointID));
     LastViewCenter() = {0, 0};
+    InitMoney();
+    CreatePlayerHud();
     CreateScreenFade();
     CreatePixelCanvas();
     ResetTransition();
@@ -158,6 +167,11 @@ void DrawGame(sf::RenderWindow& window) {
     sf::View seen = window.getView();
     DrawWorld(BeginPixelCanvas(window, seen));
     PresentPixelCanvas(window);
+    // The HUD goes on the window at full resolution. The fade is already on the world: the HUD
+    // is darkened as much, which shows what the fade drawn over it would.
+    const ScreenFade& fade = Fade();
+    float veil = fade.shape ? float(fade.shape->getFillColor().a) / 255.0f : 0.0f;
+    DrawPlayerHud(window, 1.0f - veil);
     window.setView(*GameCamera().view);
 }
 
@@ -166,6 +180,8 @@ void CleanupGame() {
     DestroyCamera();
     DestroyEnemyAssets();
     CleanupRoom();
+    DestroyPlayerHud();
+    DestroyMoney();
     FreeSettingsScreen();
     FreeCredits();
     DestroyScreenFade();

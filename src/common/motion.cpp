@@ -95,3 +95,26 @@ int TweenShapeScale(sf::Transformable& shape, sf::Vector2f targetScale, float du
     shape.setScale(tween.from + (targetScale - tween.from) * eased);
     return progress >= 1 ? 1 : 0;
 }
+
+int TweenPosition(sf::Transformable& object, sf::Vector2f goal, float duration, int easing,
+                  float dt, Tween& tween) {
+    sf::Vector2f position = object.getPosition();
+    if (!tween.started) {
+        tween = Tween();
+        tween.from = position;
+        tween.duration = duration;
+        tween.easing = easing;
+        tween.started = 1;
+    }
+    if (position.x == goal.x) tween.from.x = goal.x;
+    if (position.y == goal.y) tween.from.y = goal.y;
+    if (tween.elapsed >= tween.duration) return 1;
+    tween.elapsed += dt;
+    float progress = std::min(1.0f, tween.elapsed / tween.duration);
+    object.setPosition(tween.from + (goal - tween.from) * Ease(tween.easing, progress));
+    return progress >= 1 ? 1 : 0;
+}
+
+bool TweenDone(const Tween& tween) {
+    return tween.started && tween.elapsed >= tween.duration;
+}
