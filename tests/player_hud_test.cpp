@@ -8,6 +8,7 @@
 #include <cmath>
 #include <functional>
 
+#include "interactables/money.h"
 #include "player/save.h"
 #include "support/fixture.h"
 #include "support/pictures.h"
@@ -25,6 +26,12 @@ sf::Color VignetteTexel(unsigned x, unsigned y) {
     return sf::Color(110, 0, 10, sf::Uint8(alpha));
 }
 
+// Only the drawing tests need it: the vignette's strength lives in its sprite's colour.
+void WriteVignette() {
+    static const sf::Image vignette = MakePicture(kScreen, VignetteTexel);  // made once
+    WritePicture("Assets/Sprites/HUD/Player/vignette.png", vignette);
+}
+
 void WriteHudPictures() {
     const std::string dir = "Assets/Sprites/HUD/Player/";
     WritePicture(dir + "LifeContainer.png", {210, 24}, Plain({40, 30, 30}));
@@ -35,7 +42,6 @@ void WriteHudPictures() {
     WritePicture(dir + "HealBar/HealSheet.png", {216, 156}, [](unsigned x, unsigned y) {
         return sf::Color(sf::Uint8(x), sf::Uint8(y), 120);  // every frame differs
     });
-    WritePicture(dir + "vignette.png", kScreen, VignetteTexel);
     WritePicture("Assets/Sprites/HUD/Score/hud piece.png", {10, 10}, Plain({230, 190, 40}));
 }
 
@@ -208,8 +214,11 @@ TEST_F(HudTest, ALeftClipRestartsUnlessAFlaskOfTwoOrThreeIsFullAgain) {
         int left;  // the clip that the second change leaves
         bool restarted;
     };
-    const Case cases[] = {{3, 2, 3, 4, false}, {2, 1, 2, 2, false}, {1, 0, 1, 1, true},
-                          {3, 2, 1, 4, true}, {2, 1, 0, 2, true}};
+    const Case cases[] = {{3, 2, 3, 4, false},
+                          {2, 1, 2, 2, false},
+                          {1, 0, 1, 1, true},
+                          {3, 2, 1, 4, true},
+                          {2, 1, 0, 2, true}};
     for (const Case& c : cases) {
         CreatePlayerHud();
         Save().abilities.potionCount = c.saved;
@@ -277,29 +286,39 @@ TEST_F(HudTest, AtLowLifeTheVignettePulsesStrongerTheLowerTheLife) {
     }
 }
 
-TEST_F(HudTest, TheVignetteEdgesShowTheWholePictureAndOnlyTheyAreFilled) {
+TEST_F(HudTest, TheVignetteDrawnWithTheWorldCoversTheScreenAsTheWholePictureWould) {
+    WriteVignette();
+    CreatePlayerHud();
     FlashDamageVignette();
-    sf::Image bands = Render([](sf::RenderTarget& target) { DrawPlayerHud(target, 1); });
-    sf::Image whole = Render([](sf::RenderTarget& target) {
-        sf::Sprite picture = *Hud().vignette;
-        Hud().vignette->setColor(sf::Color::Transparent);
-        DrawPlayerHud(target, 1);
-        target.draw(picture);
-    });
-    EXPECT_EQ(Difference(bands, whole), 0);
+    sf::Sprite picture = *Hud().vignette;
+    sf::Image whole = Render([&](sf::RenderTarget& target) { target.draw(picture); });
+    // The world's view: the screen itself, a camera far into a room, and one zoomed out.
+    const sf::View views[] = {sf::View(sf::FloatRect(0, 0, 1920, 1080)),
+                              sf::View({5000, 3000}, {1920, 1080}),
+                              sf::View({5000, 3000}, {3840, 2160})};
+    for (const sf::View& seen : views) {
+        sf::Image bands = Render([&](sf::RenderTarget& target) {
+            target.setView(seen);
+            DrawDamageVignette(target, seen);
+        });
+        EXPECT_EQ(Difference(bands, whole), 0) << "view width " << seen.getSize().x;
+    }
     long visible = 0;
     for (unsigned y = 0; y < kScreen.y; y++) {
         for (unsigned x = 0; x < kScreen.x; x++) visible += VignetteTexel(x, y).a ? 1 : 0;
     }
-    EXPECT_GE(VignetteFillPixels(), visible);
+    EXPECT_GE(VignetteFillPixels(), visible);  // only the visible edges are filled
     EXPECT_LE(VignetteFillPixels(), visible * 11 / 10);
+    Hud().vignette->setColor(sf::Color::Transparent);
+    sf::Image clear =
+        Render([](sf::RenderTarget& target) { DrawDamageVignette(target, target.getView()); });
+    EXPECT_EQ(Difference(clear, Render([](sf::RenderTarget&) {})), 0);
 }
 
 TEST_F(HudTest, AFadeDarkensTheHudAsItWouldCoveringIt) {
-    FlashDamageVignette();
-    Update(100, 3, 20);  // the vignette half faded
-    Update(100, 2, 3);   // the flask mid-clip
-    for (sf::Uint8 veil : {sf::Uint8(0), sf::Uint8(90), sf::Uint8(200), sf::Uint8(255)}) {
+    ShowMoneyPopup(250);
+    Update(100, 2, 3);  // the flask mid-clip
+    for (sf::Uint8 veil : {sf::Uint8(100), sf::Uint8(255)}) {
         sf::RectangleShape fade{sf::Vector2f(kScreen)};
         fade.setFillColor(sf::Color(0, 0, 0, veil));
         sf::Image covered = Render([&](sf::RenderTarget& target) {

@@ -104,7 +104,7 @@ void DrawFade(sf::RenderTarget& target) {
     target.draw(cover);
 }
 
-void DrawWorld(sf::RenderTarget& target) {
+void DrawWorld(sf::RenderTarget& target, const sf::View& seen) {
     DrawRoomBackgrounds(target);
     DrawEnemies(target, false, true);
     DrawDoors(target);
@@ -114,6 +114,7 @@ void DrawWorld(sf::RenderTarget& target) {
     DrawCoins(target);
     DrawPlayer(target);
     DrawRoomForeground(target);
+    DrawDamageVignette(target, seen);
     DrawFade(target);
     if (Transition().respawnStep >= 1 && !flags.worldFrozen) DrawPlayer(target);
 }
@@ -165,7 +166,7 @@ void DrawGame(sf::RenderWindow& window) {
     if (!loaded) return;
     // The world is drawn with the view the window kept from the previous frame.
     sf::View seen = window.getView();
-    DrawWorld(BeginPixelCanvas(window, seen));
+    DrawWorld(BeginPixelCanvas(window, seen), seen);
     PresentPixelCanvas(window);
     // The HUD goes on the window at full resolution. The fade is already on the world: the HUD
     // is darkened as much, which shows what the fade drawn over it would.

@@ -126,18 +126,8 @@ void Quad(std::vector<sf::Vertex>& vertices, const sf::IntRect& band, sf::Color 
     for (const sf::Vector2f& corner : corners) vertices.emplace_back(corner, color, corner);
 }
 
-// Only the visible edge of the picture is filled: the transparent middle costs nothing.
-void DrawVignette(sf::RenderTarget& target, float brightness) {
-    const sf::Sprite& vignette = *hud.vignette;
-    if (!vignette.getTexture() || vignette.getColor().a == 0) return;
-    sf::Color color = Darken(vignette.getColor(), brightness);
-    std::vector<sf::Vertex> vertices;
-    vertices.reserve(hud.vignetteBands.size() * 6);
-    for (const sf::IntRect& band : hud.vignetteBands) Quad(vertices, band, color);
-    sf::RenderStates states(vignette.getTexture());
-    states.transform = vignette.getTransform();
-    target.draw(vertices.data(), vertices.size(), sf::Triangles, states);
-}
+// Screen pixels (1920 x 1080) to the normalised device square that a view maps onto the screen.
+const sf::Transform kScreenToDevice(2.0f / 1920, 0, -1, 0, -2.0f / 1080, 1, 0, 0, 1);
 
 void CreateLifeBar() {
     hud.containerTexture = LoadTexture("Assets/Sprites/HUD/Player/LifeContainer.png");
@@ -147,7 +137,8 @@ void CreateLifeBar() {
     hud.pieceLostTexture = LoadTexture("Assets/Sprites/HUD/Player/LifeBarLost.png");
     const sf::Vector2f scale(3, 3);
     CreateSprite(hud.container, hud.containerTexture.get(), {25, 25}, {0, 0}, scale);
-    const std::array<sf::Vector2f, LIFE_PIECE_COUNT> positions = {{{235, 61}, {394, 61}, {514, 61}}};
+    const std::array<sf::Vector2f, LIFE_PIECE_COUNT> positions = {
+        {{235, 61}, {394, 61}, {514, 61}}};
     for (int piece = 0; piece < LIFE_PIECE_COUNT; piece++) {
         bool first = piece == LIFE_PIECE_1;
         const sf::Texture* lost = first ? hud.piece1LostTexture.get() : hud.pieceLostTexture.get();
@@ -235,8 +226,20 @@ void DrawPlayerHud(sf::RenderTarget& target, float brightness) {
     // The boss bars go here, over the life bar and under the flask, once they exist.
     DrawDarkened(target, *hud.heal, brightness);
     DrawMoneyCounter(target, brightness);
-    DrawVignette(target, brightness);
     target.setView(previous);
+}
+
+void DrawDamageVignette(sf::RenderTarget& target, const sf::View& seen) {
+    if (!hud.vignette) return;
+    const sf::Sprite& vignette = *hud.vignette;
+    if (!vignette.getTexture() || vignette.getColor().a == 0) return;
+    // Only the visible edge of the picture is filled: the transparent middle costs nothing.
+    std::vector<sf::Vertex> vertices;
+    vertices.reserve(hud.vignetteBands.size() * 6);
+    for (const sf::IntRect& band : hud.vignetteBands) Quad(vertices, band, vignette.getColor());
+    sf::RenderStates states(vignette.getTexture());
+    states.transform = seen.getInverseTransform() * kScreenToDevice * vignette.getTransform();
+    target.draw(vertices.data(), vertices.size(), sf::Triangles, states);
 }
 
 void FlashDamageVignette() {
@@ -254,7 +257,9 @@ std::vector<sf::IntRect> VisibleBands(const sf::Image& picture, unsigned strip) 
     std::vector<sf::IntRect> bands;
     if (width == 0 || height == 0 || strip == 0) return bands;
     const sf::Uint8* pixels = picture.getPixelsPtr();
-    auto alpha = [&](int x, int y) { return pixels[4 * (size_t(y) * size_t(width) + size_t(x)) + 3]; };
+    auto alpha = [&](int x, int y) {
+        return pixels[4 * (size_t(y) * size_t(width) + size_t(x)) + 3];
+    };
     const int middle = width / 2;
     // Per strip: the left part ends after its last visible texel left of the middle, the right
     // part starts at its first visible texel from the middle on.
@@ -292,7 +297,8 @@ std::vector<sf::IntRect> VisibleBands(const sf::Image& picture, unsigned strip) 
             continue;
         }
         if (s.leftEnd > 0) bands.emplace_back(0, s.top, s.leftEnd, rows);
-        if (s.rightStart < width) bands.emplace_back(s.rightStart, s.top, width - s.rightStart, rows);
+        if (s.rightStart < width)
+            bands.emplace_back(s.rightStart, s.top, width - s.rightStart, rows);
     }
     return bands;
 }

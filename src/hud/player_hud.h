@@ -3,7 +3,10 @@
 // interactables/money) and the vignette that flashes on every hit and pulses at low life.
 //
 // Everything is laid out on a 1920 x 1080 screen and drawn straight onto the window through a
-// 1920 x 1080 view, whatever the camera's zoom: no full-screen layer is composited.
+// 1920 x 1080 view, whatever the camera's zoom: no full-screen layer is composited. The vignette,
+// which reaches over half the screen, is drawn with the world instead, on the world's pixel
+// canvas (a ninth of the pixels), just before the fade: it lies over the world and under the
+// life bar, the flask and the counter.
 #pragma once
 
 #include <SFML/Graphics.hpp>
@@ -56,6 +59,9 @@ void UpdateLifeBar(int life, float dt);
 // After the world, onto the window. `brightness` (1 normal, 0 black) darkens the HUD as much as
 // the screen fade darkens the world, so a fade to black hides the HUD too.
 void DrawPlayerHud(sf::RenderTarget& target, float brightness);
+// With the world, on its target and through its view: the vignette placed over what `seen`
+// shows on the screen, as the full-screen picture it is. Nothing is drawn while it is clear.
+void DrawDamageVignette(sf::RenderTarget& target, const sf::View& seen);
 // Every landed enemy hit, god mode included: the vignette shows at full strength and fades.
 void FlashDamageVignette();
 // Game cleanup; safe to call twice.

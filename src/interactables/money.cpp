@@ -120,8 +120,7 @@ void CreateMoneyCounter() {
     counter.font = LoadFont("Assets/Fonts/alagard.ttf");
     CreateText(counter.amount, counter.font.get(), "0", {1820, 31}, 72, {1, 0.5f},
                sf::Color::White);
-    CreateText(counter.popup, counter.font.get(), "", {1790, 101}, 60, {1, 0.5f},
-               sf::Color::White);
+    CreateText(counter.popup, counter.font.get(), "", {1790, 101}, 60, {1, 0.5f}, sf::Color::White);
     counter.iconTexture = LoadTexture("Assets/Sprites/HUD/Score/hud piece.png");
     CreateSprite(counter.icon, counter.iconTexture.get(), {1800, 55}, {0.5f, 0.5f}, {3, 3});
 }

@@ -11,10 +11,14 @@
 
 // Writes a picture over whatever the sandbox holds at that path: a link to the game's own file
 // is removed first, never written through.
-inline void WritePicture(const std::string& path, sf::Vector2u size,
-                         const std::function<sf::Color(unsigned, unsigned)>& color) {
+inline void WritePicture(const std::string& path, const sf::Image& image) {
     std::filesystem::create_directories(std::filesystem::path(path).parent_path());
     std::filesystem::remove(path);
+    ASSERT_TRUE(image.saveToFile(path));
+}
+
+inline sf::Image MakePicture(sf::Vector2u size,
+                             const std::function<sf::Color(unsigned, unsigned)>& color) {
     std::vector<sf::Uint8> pixels(size_t(size.x) * size.y * 4);
     for (unsigned y = 0; y < size.y; y++) {
         for (unsigned x = 0; x < size.x; x++) {
@@ -25,7 +29,12 @@ inline void WritePicture(const std::string& path, sf::Vector2u size,
     }
     sf::Image image;
     image.create(size.x, size.y, pixels.data());
-    ASSERT_TRUE(image.saveToFile(path));
+    return image;
+}
+
+inline void WritePicture(const std::string& path, sf::Vector2u size,
+                         const std::function<sf::Color(unsigned, unsigned)>& color) {
+    WritePicture(path, MakePicture(size, color));
 }
 
 inline std::function<sf::Color(unsigned, unsigned)> Plain(sf::Color color) {
