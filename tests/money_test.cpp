@@ -6,16 +6,13 @@
 
 #include <cmath>
 
-#include "app/game.h"
 #include "app/game_state.h"
 #include "app/input.h"
 #include "enemies/enemies.h"
-#include "enemies/trash.h"
 #include "menus/settings_files.h"
 #include "player/player.h"
 #include "support/fixture.h"
 #include "support/pictures.h"
-#include "world/room.h"
 #include "world/room_lifecycle.h"
 
 namespace {
@@ -79,53 +76,39 @@ INSTANTIATE_TEST_SUITE_P(
                     PayoutCase{ENEMY_SLIME, 20, 0, 2}, PayoutCase{ENEMY_PLANT, 0, 0, 0},
                     PayoutCase{ENEMY_FLYING_KNIGHT, 80, 1, 3}, PayoutCase{ENEMY_GODDESS, 0, 0, 0}));
 
-TEST_F(MoneyTest, TheCounterStepsByTheSizeOfTheGap) {
-    const int cases[][2] = {{1500, 100}, {1001, 100}, {1000, 10}, {101, 10}, {100, 1}, {1, 1}};
-    for (const auto& c : cases) {
+TEST_F(MoneyTest, TheCounterClimbsEveryHundredthBySteps10Then1AndSnapsDown) {
+    const int steps[][2] = {{1500, 100}, {1001, 100}, {1000, 10}, {101, 10}, {100, 1}};
+    for (const auto& c : steps) {  // {gap, step}
         Money().moneyShown = 0;
         Money().money = c[0];
         UpdateMoney(0.01f, {});
         EXPECT_EQ(Money().moneyShown, c[1]) << "gap " << c[0];
     }
-}
-
-TEST_F(MoneyTest, AGainOf250ClimbsByTenEveryHundredthUntilTheGapIsBelow101) {
-    struct Pace {
-        float dt;
-        int updatesPerStep;
-    };
-    for (Pace pace : {Pace{0.01f, 1}, Pace{kDt, 1}, Pace{0.004f, 3}}) {
+    for (auto [dt, updatesPerStep] : {std::pair{0.01f, 1}, {kDt, 1}, {0.004f, 3}}) {
         Money().money = Money().moneyShown = 0;
-        Money().countTimer = 0;
         AddKillReward(250);
         std::vector<int> shown;
         for (int step = 0; step < 120; step++) {
-            for (int i = 0; i < pace.updatesPerStep; i++) UpdateMoney(pace.dt, {});
+            for (int i = 0; i < updatesPerStep; i++) UpdateMoney(dt, {});
             shown.push_back(Money().moneyShown);
         }
-        SCOPED_TRACE(pace.dt);
+        SCOPED_TRACE(dt);
         EXPECT_EQ(shown[0], 10);
         EXPECT_EQ(shown[14], 150);  // gap 100: from here on one at a time
         EXPECT_EQ(shown[15], 151);
         EXPECT_EQ(shown[113], 249);
-        EXPECT_EQ(shown[114], 250);
         EXPECT_EQ(shown[119], 250);
         EXPECT_EQ(Amount(), "250");
     }
-}
-
-TEST_F(MoneyTest, SpendingSnapsTheCounterDownInTheSameUpdate) {
-    Money().money = 120;
-    Money().moneyShown = 300;
+    Money().money = 120;  // spent
     UpdateMoney(kDt, {});
     EXPECT_EQ(Money().moneyShown, 120);
     EXPECT_EQ(Amount(), "120");
-    sf::FloatRect bounds = MoneyAmountText()->getLocalBounds();
-    EXPECT_FLOAT_EQ(MoneyAmountText()->getOrigin().x, bounds.width / 2);  // centred
+    EXPECT_FLOAT_EQ(MoneyAmountText()->getOrigin().x,
+                    MoneyAmountText()->getLocalBounds().width / 2);
 }
 
 TEST_F(MoneyTest, TheGainShowsForTwoSeconds) {
-    Money().popupTimer = Money().popupDuration;
     AddKillReward(250);
     EXPECT_EQ(Popup(), "+ 250");
     for (int i = 0; i < 118; i++) UpdateMoney(kDt, {});
@@ -170,8 +153,6 @@ protected:
         ASSERT_EQ(GetGameState(), GAME_STATE_GAME);
     }
     void TearDown() override {
-        InputScriptKey(Settings().bindings[BINDING_LEFT], false);
-        InputScriptKey(Settings().bindings[BINDING_RIGHT], false);
         AppTest::TearDown();
         Money().money = Money().moneyShown = 0;
     }
@@ -220,8 +201,6 @@ TEST_F(MoneyGameTest, FellingATrashInTheArenaPaysThirtyAndTheCounterClimbsToIt) 
         if (coinsAtKill < 0 && *GetEnemyLife(0, ENEMY_TRASH) < 1) coinsAtKill = int(Coins().size());
     }
     ASSERT_LT(*GetEnemyLife(0, ENEMY_TRASH), 1);
-    InputScriptKey(right, false);
-    InputScriptKey(left, false);
     EXPECT_EQ(Money().money, 30);
     EXPECT_EQ(coinsAtKill, 3);  // three small coins burst out of it
     Frames(120);

@@ -168,6 +168,59 @@ void CreateHealFlask() {
     hud.currentHealClip = 0;
 }
 
+// The texture rectangles, in strips of `strip` rows, that hold every texel of the picture whose
+// alpha is not 0, outside a transparent middle; rectangles never overlap.
+std::vector<sf::IntRect> VisibleBands(const sf::Image& picture, unsigned strip) {
+    const int width = int(picture.getSize().x), height = int(picture.getSize().y);
+    std::vector<sf::IntRect> bands;
+    if (width == 0 || height == 0 || strip == 0) return bands;
+    const sf::Uint8* pixels = picture.getPixelsPtr();
+    auto alpha = [&](int x, int y) {
+        return pixels[4 * (size_t(y) * size_t(width) + size_t(x)) + 3];
+    };
+    const int middle = width / 2;
+    // Per strip: the left part ends after its last visible texel left of the middle, the right
+    // part starts at its first visible texel from the middle on.
+    struct Strip {
+        int top, bottom, leftEnd, rightStart;
+    };
+    std::vector<Strip> strips;
+    for (int top = 0; top < height; top += int(strip)) {
+        Strip s{top, std::min(height, top + int(strip)), 0, width};
+        for (int y = s.top; y < s.bottom; y++) {
+            for (int x = middle - 1; x >= s.leftEnd; x--) {
+                if (alpha(x, y)) {
+                    s.leftEnd = x + 1;
+                    break;
+                }
+            }
+            for (int x = middle; x < s.rightStart; x++) {
+                if (alpha(x, y)) {
+                    s.rightStart = x;
+                    break;
+                }
+            }
+        }
+        if (!strips.empty() && strips.back().leftEnd == s.leftEnd &&
+            strips.back().rightStart == s.rightStart) {
+            strips.back().bottom = s.bottom;
+        } else {
+            strips.push_back(s);
+        }
+    }
+    for (const Strip& s : strips) {
+        int rows = s.bottom - s.top;
+        if (s.leftEnd >= s.rightStart) {
+            bands.emplace_back(0, s.top, width, rows);
+            continue;
+        }
+        if (s.leftEnd > 0) bands.emplace_back(0, s.top, s.leftEnd, rows);
+        if (s.rightStart < width)
+            bands.emplace_back(s.rightStart, s.top, width - s.rightStart, rows);
+    }
+    return bands;
+}
+
 void CreateVignette() {
     hud.vignetteTexture = LoadTexture("Assets/Sprites/HUD/Player/vignette.png");
     CreateSprite(hud.vignette, hud.vignetteTexture.get(), {0, 0}, {0, 0}, {1, 1});
@@ -250,57 +303,6 @@ void FlashDamageVignette() {
 void DestroyPlayerHud() {
     DestroyMoneyCounter();
     hud = PlayerHud();
-}
-
-std::vector<sf::IntRect> VisibleBands(const sf::Image& picture, unsigned strip) {
-    const int width = int(picture.getSize().x), height = int(picture.getSize().y);
-    std::vector<sf::IntRect> bands;
-    if (width == 0 || height == 0 || strip == 0) return bands;
-    const sf::Uint8* pixels = picture.getPixelsPtr();
-    auto alpha = [&](int x, int y) {
-        return pixels[4 * (size_t(y) * size_t(width) + size_t(x)) + 3];
-    };
-    const int middle = width / 2;
-    // Per strip: the left part ends after its last visible texel left of the middle, the right
-    // part starts at its first visible texel from the middle on.
-    struct Strip {
-        int top, bottom, leftEnd, rightStart;
-    };
-    std::vector<Strip> strips;
-    for (int top = 0; top < height; top += int(strip)) {
-        Strip s{top, std::min(height, top + int(strip)), 0, width};
-        for (int y = s.top; y < s.bottom; y++) {
-            for (int x = middle - 1; x >= s.leftEnd; x--) {
-                if (alpha(x, y)) {
-                    s.leftEnd = x + 1;
-                    break;
-                }
-            }
-            for (int x = middle; x < s.rightStart; x++) {
-                if (alpha(x, y)) {
-                    s.rightStart = x;
-                    break;
-                }
-            }
-        }
-        if (!strips.empty() && strips.back().leftEnd == s.leftEnd &&
-            strips.back().rightStart == s.rightStart) {
-            strips.back().bottom = s.bottom;
-        } else {
-            strips.push_back(s);
-        }
-    }
-    for (const Strip& s : strips) {
-        int rows = s.bottom - s.top;
-        if (s.leftEnd >= s.rightStart) {
-            bands.emplace_back(0, s.top, width, rows);
-            continue;
-        }
-        if (s.leftEnd > 0) bands.emplace_back(0, s.top, s.leftEnd, rows);
-        if (s.rightStart < width)
-            bands.emplace_back(s.rightStart, s.top, width - s.rightStart, rows);
-    }
-    return bands;
 }
 
 long VignetteFillPixels() {

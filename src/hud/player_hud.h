@@ -67,8 +67,5 @@ void FlashDamageVignette();
 // Game cleanup; safe to call twice.
 void DestroyPlayerHud();
 
-// The texture rectangles, in strips of `strip` rows, that hold every texel of the picture whose
-// alpha is not 0, outside a transparent middle; rectangles never overlap.
-std::vector<sf::IntRect> VisibleBands(const sf::Image& picture, unsigned strip);
 // Pixels the vignette fills when it shows.
 long VignetteFillPixels();
