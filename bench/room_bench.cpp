@@ -54,6 +54,9 @@ bool NearDoorAhead(bool right) {
     return false;
 }
 
+// The life the walk keeps the hero at: 1 to 40 keeps the HUD's vignette pulsing.
+int keptLife = 100;
+
 // The hero walks to and fro inside the room, turning before doors, and never dies, so every
 // frame measured belongs to the room itself.
 struct Walker {
@@ -67,7 +70,7 @@ struct Walker {
         }
         InputScriptKey(Settings().bindings[BINDING_RIGHT], right);
         InputScriptKey(Settings().bindings[BINDING_LEFT], !right);
-        GetPlayer().life = 100;
+        GetPlayer().life = keptLife;
     }
 };
 
@@ -161,14 +164,16 @@ int main(int argc, char** argv) {
                  "\n| room | load ms | full resolution p50 ms | full resolution p99 ms "
                  "| pixel canvas p50 ms | pixel canvas p99 ms | p50 ratio |\n"
                  "|---|---|---|---|---|---|---|\n");
-    // Arguments: room numbers (all built rooms when none), and "--shots FOLDER" to save the
-    // side-by-side pictures of both paths there.
+    // Arguments: room numbers (all built rooms when none), "--shots FOLDER" to save the
+    // side-by-side pictures of both paths there, "--life N" to walk at that life.
     std::vector<int> rooms;
     std::string shots;
     for (int i = 1; i < argc; i++) {
         std::string argument = argv[i];
         if (argument == "--shots" && i + 1 < argc) {
             shots = argv[++i];
+        } else if (argument == "--life" && i + 1 < argc) {
+            keptLife = std::atoi(argv[++i]);
         } else {
             rooms.push_back(std::atoi(argv[i]));
         }

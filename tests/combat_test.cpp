@@ -6,6 +6,7 @@
 
 #include "enemies/enemies.h"
 #include "enemies/trash.h"
+#include "hud/player_hud.h"
 #include "player/player_combat.h"
 #include "support/hero_fixture.h"
 #include "world/doors.h"
@@ -211,23 +212,28 @@ TEST_F(CombatTest, APatrollingTrashTurnsAtTheEdgeOfItsArena) {
     EXPECT_GT(highest - lowest, 300);  // it walks the arena back and forth
 }
 
-TEST_F(CombatTest, ATrashStrikeCostsTwelveAndGodModeTakesNothing) {
+TEST_F(CombatTest, ATrashStrikeCostsTwelveAndGodModeTakesNothingButStillFlashes) {
     AddTrashEnemy({560, kFloor}, 1, 0);
     SetPlayerFacing(true);
+    GetPlayerHud().vignetteFlash = 0;
     int frames = 0;
     while (GetPlayer().life == 100 && frames++ < 300) Fight(1);
     EXPECT_EQ(GetPlayer().life, 88);
+    EXPECT_EQ(GetPlayerHud().vignetteFlash, 1);
 
     Step(60);
     GetPlayer().godMode = 1;
-    bool attacked = false, hurt = false;
+    GetPlayerHud().vignetteFlash = 0;
+    bool attacked = false, hurt = false, flashed = false;
     for (int i = 0; i < 300; i++) {
         Fight(1);
         attacked |= TrashState(0) == TRASH_ATTACK;
         hurt |= State() == PLAYER_TAKE_DAMAGE;
+        flashed |= GetPlayerHud().vignetteFlash != 0;
     }
     EXPECT_TRUE(attacked);
     EXPECT_FALSE(hurt);
+    EXPECT_TRUE(flashed);
     EXPECT_EQ(GetPlayer().life, 88);
 }
 

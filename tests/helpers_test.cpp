@@ -122,13 +122,13 @@ TEST(Motion, PositionTweenEasesToTheTargetAndStaysDone) {
     sf::RectangleShape shape({10, 10});
     shape.setPosition(100, 200);
     Tween tween;
-    EXPECT_EQ(TweenShapePosition(shape, {100, 330}, 0.5f, 0.125f, tween, EASE_CUBIC_IN_OUT), 0);
+    EXPECT_EQ(TweenPosition(shape, {100, 330}, 0.5f, EASE_CUBIC_IN_OUT, 0.125f, tween), 0);
     EXPECT_FLOAT_EQ(shape.getPosition().y, 200 + 130 * 0.0625f);  // a quarter in: 4t^3
-    EXPECT_EQ(TweenShapePosition(shape, {100, 330}, 0.5f, 0.125f, tween, EASE_CUBIC_IN_OUT), 0);
+    EXPECT_EQ(TweenPosition(shape, {100, 330}, 0.5f, EASE_CUBIC_IN_OUT, 0.125f, tween), 0);
     EXPECT_FLOAT_EQ(shape.getPosition().y, 265);
-    EXPECT_EQ(TweenShapePosition(shape, {100, 330}, 0.5f, 0.3f, tween, EASE_CUBIC_IN_OUT), 1);
+    EXPECT_EQ(TweenPosition(shape, {100, 330}, 0.5f, EASE_CUBIC_IN_OUT, 0.3f, tween), 1);
     EXPECT_EQ(shape.getPosition(), sf::Vector2f(100, 330));
-    EXPECT_EQ(TweenShapePosition(shape, {100, 330}, 0.5f, 0.1f, tween, EASE_CUBIC_IN_OUT), 1);
+    EXPECT_EQ(TweenPosition(shape, {100, 330}, 0.5f, EASE_CUBIC_IN_OUT, 0.1f, tween), 1);
     EXPECT_EQ(tween.from, sf::Vector2f(100, 200));  // the start is kept until the caller resets
 }
 

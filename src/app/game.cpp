@@ -5,7 +5,9 @@
 #include "app/region_music.h"
 #include "common/log.h"
 #include "enemies/enemies.h"
+#include "hud/player_hud.h"
 #include "interactables/checkpoint_menu.h"
+#include "interactables/money.h"
 #include "interactables/statues.h"
 #include "menus/credits.h"
 #include "menus/pause_menu.h"
@@ -73,6 +75,7 @@ void RunWorld(float dt) {
     CheckDeathZones();
     CheckLockedDoorTriggers(PlayerBodyBounds());
     UpdateDoors(CountDeadEnemies(), dt);
+    UpdatePlayerHud(GetPlayer().life, GetPlayer().potions, dt);
     if (flags.checkpointMenuOpen) {
         UpdateCheckpointMenu(GetPlayerPosition().x, dt);
         SetPlayerControllable(flags.checkpointMenuOpen ? 0 : 1);
@@ -80,6 +83,9 @@ void RunWorld(float dt) {
     UpdateRoomProximity(view.getCenter(), 1.21f * view.getSize().x, dt);
     if (Transition().respawnStep == 0) ClampViewToContainer();
     if (!Transition().transitionActive) CheckTransitionDoors();
+    // Coins home in on the hero's chest.
+    body = PlayerBodyBounds();
+    UpdateMoney(dt, {body.left + 0.5f * body.width, body.top + 0.45f * body.height});
     EnemiesHitPlayer();
     PlayerHitsEnemies();
 }
@@ -111,7 +117,7 @@ bool FadeOverPanels() {
     return flags.pauseOpen != 0;
 }
 
-void DrawWorld(sf::RenderTarget& target) {
+void DrawWorld(sf::RenderTarget& target, const sf::View& seen) {
     DrawRoomBackgrounds(target);
     DrawEnemies(target, false, true);
     DrawDoors(target);
@@ -119,8 +125,10 @@ void DrawWorld(sf::RenderTarget& target) {
     DrawRoomDebug(target);
     DrawStatues(target);
     DrawEnemies(target, true, false);
+    DrawCoins(target);
     DrawPlayer(target);
     DrawRoomForeground(target);
+    DrawDamageVignette(target, seen);
     if (!FadeOverPanels()) DrawFade(target, PixelCanvasArea());
     if (Transition().respawnStep >= 1 && !flags.worldFrozen) DrawPlayer(target);
 }
@@ -162,6 +170,8 @@ void LoadGame(sf::RenderWindow& window) {
     LoadNextTargetRoom(window, Save().roomID);
     SetPlayerPosition(CheckpointSpawnPosition(Save().checkpointID));
     LastViewCenter() = {0, 0};
+    InitMoney();
+    CreatePlayerHud();
     LoadPauseMenu();
     CreateScreenFade();
     CreatePixelCanvas();
@@ -190,11 +200,16 @@ void DrawGame(sf::RenderWindow& window) {
     if (!loaded) return;
     // The world is drawn with the view the window kept from the previous frame.
     sf::View seen = window.getView();
-    DrawWorld(BeginPixelCanvas(window, seen));
+    DrawWorld(BeginPixelCanvas(window, seen), seen);
     PresentPixelCanvas(window);
     // The world's menus stand in the world but are drawn sharp, over the scaled-up canvas.
     window.setView(*GameCamera().view);
     if (flags.checkpointMenuOpen) DrawCheckpointMenu(window);
+    // The HUD goes on the window at full resolution. The fade is already on the world: the HUD
+    // is darkened as much, which shows what the fade drawn over it would.
+    const ScreenFade& fade = Fade();
+    float veil = fade.shape ? float(fade.shape->getFillColor().a) / 255.0f : 0.0f;
+    DrawPlayerHud(window, FadeOverPanels() ? 1.0f : 1.0f - veil);
     DrawPanels(window);
     // The next frame's world is drawn with this view.
     window.setView(*GameCamera().view);
@@ -207,6 +222,8 @@ void CleanupGame() {
     CleanupRoom();
     DestroyStatues();
     FreeCheckpointMenu();
+    DestroyPlayerHud();
+    DestroyMoney();
     FreeSettingsScreen();
     FreeCredits();
     FreePauseMenu();

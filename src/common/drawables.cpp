@@ -113,3 +113,26 @@ void CreateText(TextPtr& slot, const sf::Font* font, const std::string& string,
     slot->setOrigin(OriginFromFactor(slot->getGlobalBounds(), originFactor));
     slot->setPosition(position);
 }
+
+sf::Color Darken(sf::Color color, float brightness) {
+    float k = std::clamp(brightness, 0.0f, 1.0f);
+    auto channel = [k](sf::Uint8 value) { return sf::Uint8(float(value) * k + 0.5f); };
+    return sf::Color(channel(color.r), channel(color.g), channel(color.b), color.a);
+}
+
+void DrawDarkened(sf::RenderTarget& target, const sf::Sprite& sprite, float brightness) {
+    if (brightness >= 1) {
+        target.draw(sprite);
+        return;
+    }
+    sf::Sprite copy = sprite;
+    copy.setColor(Darken(sprite.getColor(), brightness));
+    target.draw(copy);
+}
+
+void DrawDarkened(sf::RenderTarget& target, sf::Text& text, float brightness) {
+    sf::Color fill = text.getFillColor();
+    if (brightness < 1) text.setFillColor(Darken(fill, brightness));
+    target.draw(text);
+    text.setFillColor(fill);
+}

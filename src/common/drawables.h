@@ -41,3 +41,10 @@ void CreateText(TextPtr& slot, const sf::Font* font, const std::string& string,
 
 // The origin factor applied to a drawable's current local size.
 sf::Vector2f OriginFromFactor(sf::FloatRect bounds, sf::Vector2f factor);
+
+// A colour darkened towards black with its alpha kept. Blended over a picture that a black veil of
+// alpha (1 - brightness) x 255 already covers, it shows exactly what it would under that veil.
+sf::Color Darken(sf::Color color, float brightness);
+// Draws a sprite or a text darkened so, leaving its own colour as it was.
+void DrawDarkened(sf::RenderTarget& target, const sf::Sprite& sprite, float brightness);
+void DrawDarkened(sf::RenderTarget& target, sf::Text& text, float brightness);

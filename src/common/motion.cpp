@@ -96,20 +96,26 @@ int TweenShapeScale(sf::Transformable& shape, sf::Vector2f targetScale, float du
     return progress >= 1 ? 1 : 0;
 }
 
-int TweenShapePosition(sf::Transformable& shape, sf::Vector2f target, float duration, float dt,
-                       Tween& tween, int easing) {
-    sf::Vector2f position = shape.getPosition();
+int TweenPosition(sf::Transformable& object, sf::Vector2f goal, float duration, int easing,
+                  float dt, Tween& tween) {
+    sf::Vector2f position = object.getPosition();
     if (!tween.started) {
-        tween.elapsed = 0;
+        tween = Tween();
         tween.from = position;
         tween.duration = duration;
-        tween.started = 1;
         tween.easing = easing;
+        tween.started = 1;
     }
-    if (duration == 0) shape.setPosition(target);
+    if (position.x == goal.x) tween.from.x = goal.x;
+    if (position.y == goal.y) tween.from.y = goal.y;
+    if (duration == 0) object.setPosition(goal);
     if (tween.elapsed >= tween.duration) return 1;
     tween.elapsed += dt;
     float progress = std::min(1.0f, tween.elapsed / tween.duration);
-    shape.setPosition(tween.from + (target - tween.from) * Ease(tween.easing, progress));
+    object.setPosition(tween.from + (goal - tween.from) * Ease(tween.easing, progress));
     return progress >= 1 ? 1 : 0;
+}
+
+bool TweenDone(const Tween& tween) {
+    return tween.started && tween.elapsed >= tween.duration;
 }

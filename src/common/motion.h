@@ -24,7 +24,10 @@ int FadeSpriteColor(sf::Sprite& sprite, sf::Color target, float dt, float rate);
 // Eased scale change over a duration (cubic in-out).
 int TweenShapeScale(sf::Transformable& shape, sf::Vector2f targetScale, float duration, float dt,
                     Tween& tween);
-// Eased move of a position to a target over a duration, with the given easing kind. The tween
-// keeps its starting point in `from`; once done it goes on answering 1 until the caller resets it.
-int TweenShapePosition(sf::Transformable& shape, sf::Vector2f target, float duration, float dt,
-                       Tween& tween, int easing);
+// Eased move towards a goal: the first call starts the tween from the current position; on an
+// axis where the object already sits at the goal, the start is put there too. Returns 1 from the
+// call whose elapsed time reaches the duration on (the tween is then left as it is).
+int TweenPosition(sf::Transformable& object, sf::Vector2f goal, float duration, int easing,
+                  float dt, Tween& tween);
+// The tween has started and run its whole duration.
+bool TweenDone(const Tween& tween);

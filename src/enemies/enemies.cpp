@@ -7,6 +7,8 @@
 #include "common/log.h"
 #include "common/motion.h"
 #include "enemies/trash.h"
+#include "hud/player_hud.h"
+#include "interactables/money.h"
 #include "media/effects.h"
 #include "player/player.h"
 #include "player/player_combat.h"
@@ -48,6 +50,8 @@ constexpr std::array<int, ENEMY_KIND_COUNT> kDeadState = {2, 5, 6, 3, 3, -1, 3, 
 constexpr std::array<int, ENEMY_KIND_COUNT> kDamage = {18, 25, 16, 12, 5, 100, 15, 30};
 constexpr std::array<bool, ENEMY_KIND_COUNT> kParryable = {false, true,  true, true,
                                                            false, false, true, true};
+// The money each kind drops when the hero fells it.
+constexpr std::array<int, ENEMY_KIND_COUNT> kMoney = {10, 250, 60, 30, 20, 0, 80, 0};
 
 EffectList blood;
 
@@ -170,8 +174,9 @@ void EnemiesHitPlayer() {
             if (player.body.state == PLAYER_PARRY && kParryable[kind]) {
                 SetPlayerFacing(enemy.x >= GetPlayerPosition().x);
                 ParryHit();
-            } else if (!player.godMode) {
-                HurtPlayer(kDamage[kind], enemy);
+            } else {
+                if (!player.godMode) HurtPlayer(kDamage[kind], enemy);
+                FlashDamageVignette();
             }
             kinds[kind].disarm(i);
         }
@@ -202,8 +207,30 @@ void PlayerHitsEnemies() {
             player.body.hitDealt = 1;
             CreateSoundArray(player.sounds[SOUND_HIT], 0);
             GetEnemySprite(i, kind)->setColor(sf::Color::Red);
-            if (life && *life < 1) Log("enemy down : kind %d\n", kind);
+            if (life && *life < 1) {
+                Log("enemy down : kind %d\n", kind);
+                PayEnemyMoney(kind, GetEnemyPosition(i, kind));
+            }
         }
+    }
+}
+
+int EnemyMoney(int kind) {
+    return kind >= 0 && kind < ENEMY_KIND_COUNT ? kMoney[kind] : 0;
+}
+
+void PayEnemyMoney(int kind, sf::Vector2f position) {
+    int value = EnemyMoney(kind);
+    AddKillReward(value);
+    const MoneyState& money = Money();
+    int remaining = value;
+    while (money.bigCoinValue > 0 && remaining > money.bigCoinValue) {
+        SpawnCoin(position, COIN_BIG);
+        remaining -= money.bigCoinValue;
+    }
+    while (money.smallCoinValue > 0 && remaining > 0) {
+        SpawnCoin(position, COIN_SMALL);
+        remaining -= money.smallCoinValue;
     }
 }
 

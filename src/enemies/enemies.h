@@ -31,6 +31,11 @@ void DrawEnemies(sf::RenderTarget& target, bool drawMain, bool drawBack);
 void EnemiesHitPlayer();
 void PlayerHitsEnemies();
 
+// The money a kind drops, and its payment where an enemy of the kind fell to the hero: the sum
+// is credited and split into coins, big ones while more than a big coin's worth remains.
+int EnemyMoney(int kind);
+void PayEnemyMoney(int kind, sf::Vector2f position);
+
 int EnemyCount(int kind);
 int CountDeadEnemies();
 sf::Sprite* GetEnemySprite(int index, int kind);

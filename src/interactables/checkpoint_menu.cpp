@@ -57,8 +57,8 @@ void Unfold(float dt) {
     int slid = 1;
     for (int i = 1; i < CHECKPOINT_BUTTON_COUNT; i++) {
         sf::Vector2f goal = menu.menuAnchor + sf::Vector2f(0, kButtonSpacing * float(i));
-        slid = TweenShapePosition(*buttons[i].shape, goal, kTweenDuration, dt,
-                                  menu.slideTweens[i - 1], EASE_CUBIC_IN_OUT);
+        slid = TweenPosition(*buttons[i].shape, goal, kTweenDuration, EASE_CUBIC_IN_OUT, dt,
+                             menu.slideTweens[i - 1]);
         buttons[i].text->setPosition(buttons[i].shape->getPosition());
     }
     if (slid) menu.menuOpening = 0;

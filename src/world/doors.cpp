@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "common/ease.h"
+#include "common/motion.h"
 #include "world/room.h"
 #include "world/tiled.h"
 
@@ -39,27 +40,9 @@ void SetCollision(const Door& door, int active) {
 
 // Moves a door picture towards its goal with an eased tween; returns 1 when it got there.
 int SlideDoor(DoorSprite& sprite, sf::Vector2f goal, float duration, int easing, float dt) {
-    sf::Sprite& picture = *sprite.picture->sprite;
-    Tween& tween = sprite.tween;
-    if (!tween.started) {
-        tween = Tween();
-        tween.from = picture.getPosition();
-        tween.duration = duration;
-        tween.easing = easing;
-        tween.started = 1;
-    }
-    sf::Vector2f position = picture.getPosition();
-    if (position.x == goal.x) tween.from.x = goal.x;
-    if (position.y == goal.y) tween.from.y = goal.y;
-    bool done = tween.elapsed >= tween.duration;
-    if (!done) {
-        tween.elapsed += dt;
-        float progress = std::min(1.0f, tween.elapsed / tween.duration);
-        picture.setPosition(tween.from + (goal - tween.from) * Ease(tween.easing, progress));
-        done = progress >= 1;
-    }
-    if (done) tween = Tween();
-    return done ? 1 : 0;
+    int done = TweenPosition(*sprite.picture->sprite, goal, duration, easing, dt, sprite.tween);
+    if (done) sprite.tween = Tween();
+    return done;
 }
 
 void UpdateBaseline(int deadEnemies) {
