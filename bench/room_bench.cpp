@@ -15,6 +15,7 @@
 #include "app/input.h"
 #include "menus/settings_files.h"
 #include "player/player.h"
+#include "world/camera.h"
 #include "world/pixel_canvas.h"
 #include "world/room.h"
 #include "world/room_lifecycle.h"
@@ -124,6 +125,7 @@ sf::Image DrawnFrame(sf::RenderWindow& window) {
 
 // The same moment drawn both ways, side by side: the middle of the screen, where the hero stands.
 void SaveComparison(sf::RenderWindow& window, int number, const std::string& folder) {
+    StartScreenFade(FADE_TO_CLEAR, 0);  // no fade left over from the room before
     for (int frame = 0; frame < 90; frame++) UpdateGame(window, kDt);
     DrawGame(window);  // the window's view catches up with the camera
     SetFullResolutionWorld(1);

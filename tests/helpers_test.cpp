@@ -129,7 +129,8 @@ TEST(Motion, PositionTweenEasesToTheTargetAndStaysDone) {
     EXPECT_EQ(TweenPosition(shape, {100, 330}, 0.5f, EASE_CUBIC_IN_OUT, 0.3f, tween), 1);
     EXPECT_EQ(shape.getPosition(), sf::Vector2f(100, 330));
     EXPECT_EQ(TweenPosition(shape, {100, 330}, 0.5f, EASE_CUBIC_IN_OUT, 0.1f, tween), 1);
-    EXPECT_EQ(tween.from, sf::Vector2f(100, 200));  // the start is kept until the caller resets
+    EXPECT_EQ(shape.getPosition(), sf::Vector2f(100, 330));  // done: it stays where it ended
+    EXPECT_TRUE(TweenDone(tween));
 }
 
 TEST(Drawables, ZeroRectangleMeansTheWholeTextureAndOriginFollowsIt) {

@@ -67,7 +67,9 @@ void RunFrame(AppWindow& app) {
     } else if (GetGameState() == GAME_STATE_GAME) {
         UpdateGame(*app.window, dt);
     }
-    app.window->clear(kClearColor);
+    // In play the world's picture covers every pixel of the window: clearing it first would
+    // only cost a full-screen fill.
+    if (GetGameState() != GAME_STATE_GAME) app.window->clear(kClearColor);
     if (GetGameState() == GAME_STATE_MENU) DrawMenu(*app.window);
     if (GetGameState() == GAME_STATE_GAME) DrawGame(*app.window);
     app.window->display();
