@@ -1,65 +1,50 @@
 """A player walks the hero with the RIGHT binding, then walks through a door into the next room."""
-import subprocess
 import sys
-import time
 
-from driver import Game, difference, distinct_colours, key_for
+from driver import (LOADED_ROOM, TRANSITION, Game, difference, distinct_colours, key_for,
+                    saved_at)
 
-def saved_at(room):
-    """A game saved at the statue of a room."""
-    return ("////////////////////\nCHECKPOINT DATA :\ncheckpointID 0\nroomID %d\n"
-            "////////////////////\nABILITIES DATA :\ncanDash 0\ncanRun 0\n"
-            "CanCreatePlatform 0\npotionCount 1\n" % room)
-
-
-# The statue of room 4: the hall below it holds a Trash on the way west to room 5.
-ROOM4_SAVE = saved_at(4)
-# The statue of room 2: a quiet walk west leads to the old arena (room 6).
-ROOM2_SAVE = saved_at(2)
-
-
-def start(binary, save=None):
-    game = Game(binary, save)
-    game.wait_for_line("Load Menu\n")
-    game.find_window()
-    game.click(200, 594)  # PLAY
-    game.wait_for_line("nb of collisions : ")
-    time.sleep(2.0)  # the camera settles on the hero
-    return game
+WHOLE_SCREEN = 1920 * 1080
 
 
 def walk_moves_the_view(binary):
-    game = start(binary)
+    game = Game(binary)
     try:
+        before = game.play()
+        game.screenshot("walk-before", before)
         right = key_for("RIGHT", game.read("Assets/Settings/BindingSettings.txt"))
-        before = game.screenshot("walk-before")
-        game.hold(right, 3.0)
-        time.sleep(1.0)
-        after = game.screenshot("walk-after")
+        # Walking carries the camera along: hold RIGHT until most of the picture has changed.
+        with game.holding(right):
+            game.wait_for_screen(
+                lambda image: difference(before, image) > WHOLE_SCREEN // 4,
+                "the view to scroll while RIGHT is held (a quarter of the screen changed)")
+        after = game.wait_for_hero_at_rest()
+        game.screenshot("walk-after", after)
         changed = difference(before, after)
-        assert changed > 1920 * 1080 // 4, "the view hardly moved (%d pixels changed)" % changed
+        assert changed > WHOLE_SCREEN // 4, "the view hardly moved (%d pixels changed)" % changed
+        assert TRANSITION not in game.output(), "a short walk east left room 1"
     finally:
         game.close()
 
 
 def door_leads_to_the_next_room(binary):
-    game = start(binary, ROOM2_SAVE)
+    # From the statue of room 2 a quiet walk west leads through a door to the old arena (room 6).
+    game = Game(binary, saved_at(2))
     try:
+        game.play()
         left = key_for("LEFT", game.read("Assets/Settings/BindingSettings.txt"))
-        subprocess.run(["xdotool", "keydown", left])
-        try:
-            game.wait_for_line("TRANSITION !!!!!!!!!!!!!!!!!!!\n", timeout=40)
-        finally:
-            subprocess.run(["xdotool", "keyup", left])
-        banner = game.output().index("TRANSITION !!!")
-        deadline = time.time() + 20
-        while "nb of collisions : " not in game.output()[banner:] and time.time() < deadline:
-            time.sleep(0.1)
-        assert "nb of collisions : " in game.output()[banner:], "no room was loaded after the door"
-        time.sleep(2.0)  # walking in while the screen clears
-        arrival = game.screenshot("door-arrival")
+        with game.holding(left):
+            banner = game.wait_for_line(TRANSITION)
+        game.wait_for_line(LOADED_ROOM, start=banner)
+        # The screen clears while the hero walks in; he is drawn in his own colours again once
+        # the fade is over, and stands still when the walk is done.
+        arrival = game.wait_for_hero_at_rest()
+        game.screenshot("door-arrival", arrival)
         assert distinct_colours(arrival) > 150, "the next room looks empty"
-        assert "No door found" not in game.output()
+        output = game.output()
+        assert "No door found" not in output, game.log_tail()
+        assert output.count(TRANSITION) == 1, "the hero went through more than one door"
+        assert output.count(LOADED_ROOM) == 2, "expected two rooms loaded:\n" + game.log_tail()
     finally:
         game.close()
 
