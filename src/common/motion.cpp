@@ -15,7 +15,10 @@ float StepAxis(float value, float target, float step) {
 
 sf::Uint8 FadeChannel(sf::Uint8 channel, sf::Uint8 target, float k) {
     if (channel == target) return channel;
-    return sf::Uint8(int(k * float(channel) + (1.0f - k) * float(target)));
+    int next = int(k * float(channel) + (1.0f - k) * float(target));
+    // Truncation would hold a rising channel short of its target for ever: step on by one.
+    if (next == channel) next += target > channel ? 1 : -1;
+    return sf::Uint8(next);
 }
 
 }  // namespace

@@ -15,6 +15,8 @@ import sys
 import threading
 import time
 
+import numpy
+
 from driver import (LOADED_ROOM, LOOK_INTERVAL, TRANSITION, Game, find, key_for, saved_at,
                     worn_only_by)
 
@@ -90,18 +92,30 @@ def fight(game, keys):
     return presser.presses
 
 
+def counter_ink(image):
+    """The white pixels of the money counter: its digits, and the gain shown under them."""
+    corner = image[0:140, 1640:1920]
+    return int(numpy.count_nonzero(numpy.all(corner == 255, axis=-1)))
+
+
 def main(binary):
     game = Game(binary, saved_at(2))
     try:
-        game.play()
+        start = game.play()
         settings = game.read("Assets/Settings/BindingSettings.txt")
         keys = {action: key_for(action, settings) for action in ("LEFT", "RIGHT", "PARRY")}
         presses = fight(game, keys)
         # The hero lowers his sword beside the fallen Trash.
-        image = game.wait_for_hero_at_rest()
+        game.wait_for_hero_at_rest()
+        # Its last wound's red fades from the body within a second.
+        trash = worn_only_by("Sprites/Enemies/Trash/")
+        image, _ = game.wait_for_screen(lambda seen: find(seen, trash),
+                                        "the fallen Trash in view in its own colours")
         shot = game.screenshot("fight", image)
-        assert find(image, worn_only_by("Sprites/Enemies/Trash/")), \
-            "the fallen Trash is not in view (%s)" % shot
+        # The Trash's coins fly into the hero and the counter climbs from 0 to its pay.
+        paid, _ = game.wait_for_screen(lambda seen: counter_ink(seen) > 2 * counter_ink(start),
+                                       "the money counter to climb after the kill")
+        game.screenshot("fight-paid", paid)
         assert game.count(TRASH_DOWN) == 1, "one Trash fell, the log says:\n" + game.log_tail()
         assert TRANSITION not in game.output(), "the hero left room 2 during the fight"
         print("fight end to end: 1 passed, 0 failed (%d presses, %s)" % (presses, shot))

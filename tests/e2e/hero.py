@@ -51,22 +51,22 @@ def door_leads_to_the_next_room(binary):
 
 def rest_at_the_statue(binary):
     """INTERACT at room 2's statue saves there and unfolds the menu; Escape folds it again."""
-    game = start(binary, ROOM2_SAVE + "an old line that a rest rewrites away\n")
+    game = Game(binary, saved_at(2) + "an old line that a rest rewrites away\n")
     try:
+        before = game.play()
         interact = key_for("INTERACT", game.read("Assets/Settings/BindingSettings.txt"))
-        before = game.screenshot("rest-before")
         game.key(interact)
-        game.wait_for_line("OUI !", timeout=10)
-        time.sleep(2.0)  # unfolding, then sliding
-        unfolded = game.screenshot("rest-menu")
-        assert game.read("Assets/Saves/PlayerSave.txt") == ROOM2_SAVE, "the save was not rewritten"
-        shown = difference(before, unfolded)
-        assert shown > 3 * 175 * 52 // 2, "the menu hardly shows (%d pixels changed)" % shown
+        game.wait_for_line("OUI !")
+        game.wait_for_file("Assets/Saves/PlayerSave.txt", lambda text: text == saved_at(2),
+                           "the save rewritten with room 2's checkpoint")
+        menu_size = 3 * 175 * 52 // 2
+        unfolded, _ = game.wait_for_screen(lambda image: difference(before, image) > menu_size,
+                                           "the menu unfolded above the statue")
+        game.screenshot("rest-menu", unfolded)
         game.key("Escape")
-        time.sleep(1.5)
-        folded = game.screenshot("rest-folded")
-        gone = difference(unfolded, folded)
-        assert gone > 3 * 175 * 52 // 2, "the menu stayed (%d pixels changed)" % gone
+        folded, _ = game.wait_for_screen(lambda image: difference(unfolded, image) > menu_size,
+                                         "the menu folded away after Escape")
+        game.screenshot("rest-folded", folded)
     finally:
         game.close()
 

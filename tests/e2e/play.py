@@ -1,7 +1,26 @@
-"""A player presses PLAY and the first room of the forest appears."""
+"""A player presses PLAY and the first room of the forest appears; pausing and leaving for the
+main menu, then pressing PLAY again, starts the game anew."""
 import sys
 
-from driver import LOADED_ROOM, Game, distinct_colours
+from driver import LOADED_ROOM, Game, difference, distinct_colours
+
+MAIN_MENU = (960, 778)  # the pause list's last entry
+
+
+def pause_then_main_menu_then_play(game, room):
+    game.key("Escape")
+    paused, _ = game.wait_for_screen(lambda image: difference(room, image) > 1920 * 1080 // 2,
+                                     "the pause darkening the room")
+    game.screenshot("pause", paused)
+    menus = game.count("Load Menu\n")
+    game.click(*MAIN_MENU)
+    game.wait_until(lambda: game.count("Load Menu\n") > menus, "the title menu loaded again")
+    game.click(200, 594)  # PLAY
+    game.wait_until(lambda: game.count("Load Game\n") == 2, "a second game loaded")
+    game.wait_until(lambda: game.count(LOADED_ROOM) == 2, "room 1 loaded for the second game")
+    again = game.wait_for_hero_at_rest()
+    assert distinct_colours(again) > 150, "the second game looks empty"
+    assert game.process.poll() is None, "the game ended on its own:\n" + game.log_tail()
 
 
 def main(binary):
@@ -16,7 +35,8 @@ def main(binary):
         colours = distinct_colours(room)
         assert colours > 150, "the room looks empty (%d colours, %s)" % (colours, shot)
         assert game.process.poll() is None, "the game ended on its own:\n" + game.log_tail()
-        print("play end to end: 1 passed, 0 failed")
+        pause_then_main_menu_then_play(game, room)
+        print("play end to end: 2 passed, 0 failed")
     finally:
         game.close()
 
