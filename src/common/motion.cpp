@@ -78,45 +78,41 @@ int FadeSpriteColor(sf::Sprite& sprite, sf::Color target, float dt, float rate) 
     return color == target;
 }
 
-int TweenShapeScale(sf::Transformable& shape, sf::Vector2f targetScale, float duration, float dt,
-                    Tween& tween) {
-    sf::Vector2f scale = shape.getScale();
-    if (!tween.started) {
-        tween.elapsed = 0;
-        tween.from = scale;
-        tween.duration = duration;
-        tween.started = 1;
-        tween.easing = EASE_CUBIC_IN_OUT;
-    }
-    if (targetScale.x == scale.x) tween.from.x = scale.x;
-    if (targetScale.y == scale.y) tween.from.y = scale.y;
-    if (duration == 0) shape.setScale(targetScale);
+void StartTween(Tween& tween, sf::Vector2f from, float duration, int easing) {
+    tween = Tween();
+    tween.from = from;
+    tween.duration = duration;
+    tween.easing = easing;
+    tween.started = 1;
+}
+
+int StepTween(Tween& tween, sf::Vector2f& value, sf::Vector2f goal, float duration, int easing,
+              float dt) {
+    if (!tween.started) StartTween(tween, value, duration, easing);
+    if (value.x == goal.x) tween.from.x = goal.x;
+    if (value.y == goal.y) tween.from.y = goal.y;
+    if (duration == 0) value = goal;
     if (tween.elapsed >= tween.duration) return 1;
     tween.elapsed += dt;
     float progress = std::min(1.0f, tween.elapsed / tween.duration);
-    float eased = Ease(tween.easing, progress);
-    shape.setScale(tween.from + (targetScale - tween.from) * eased);
+    value = tween.from + (goal - tween.from) * Ease(tween.easing, progress);
     return progress >= 1 ? 1 : 0;
+}
+
+int TweenShapeScale(sf::Transformable& shape, sf::Vector2f targetScale, float duration, float dt,
+                    Tween& tween) {
+    sf::Vector2f scale = shape.getScale();
+    int done = StepTween(tween, scale, targetScale, duration, EASE_CUBIC_IN_OUT, dt);
+    shape.setScale(scale);
+    return done;
 }
 
 int TweenPosition(sf::Transformable& object, sf::Vector2f goal, float duration, int easing,
                   float dt, Tween& tween) {
     sf::Vector2f position = object.getPosition();
-    if (!tween.started) {
-        tween = Tween();
-        tween.from = position;
-        tween.duration = duration;
-        tween.easing = easing;
-        tween.started = 1;
-    }
-    if (position.x == goal.x) tween.from.x = goal.x;
-    if (position.y == goal.y) tween.from.y = goal.y;
-    if (duration == 0) object.setPosition(goal);
-    if (tween.elapsed >= tween.duration) return 1;
-    tween.elapsed += dt;
-    float progress = std::min(1.0f, tween.elapsed / tween.duration);
-    object.setPosition(tween.from + (goal - tween.from) * Ease(tween.easing, progress));
-    return progress >= 1 ? 1 : 0;
+    int done = StepTween(tween, position, goal, duration, easing, dt);
+    object.setPosition(position);
+    return done;
 }
 
 bool TweenDone(const Tween& tween) {

@@ -22,6 +22,13 @@ int RotateSpriteTowards(sf::Transformable& sprite, float targetAngle, float spee
 // callers call again while the colour differs.
 int FadeSpriteColor(sf::Sprite& sprite, sf::Color target, float dt, float rate);
 // Eased scale change over a duration (cubic in-out).
+// Starts a tween from a value (every other field zeroed).
+void StartTween(Tween& tween, sf::Vector2f from, float duration, int easing);
+// One step of an eased move of a two-axis value (a position, a scale, a view's centre) towards a
+// goal; the first step starts the tween from the value. An axis already at the goal takes the
+// goal as its start. Returns 1 from the step whose elapsed time reaches the duration on.
+int StepTween(Tween& tween, sf::Vector2f& value, sf::Vector2f goal, float duration, int easing,
+              float dt);
 int TweenShapeScale(sf::Transformable& shape, sf::Vector2f targetScale, float duration, float dt,
                     Tween& tween);
 // Eased move towards a goal: the first call starts the tween from the current position; on an

@@ -247,22 +247,12 @@ void BlendCamera(float dt, sf::Vector2f followCenter) {
 int MoveViewTo(sf::View& view, float duration, sf::Vector2f destination, float dt, Tween& tween,
                int easing) {
     sf::Vector2f center = view.getCenter();
-    if (!tween.started) {
-        tween.elapsed = 0;
-        tween.from = center;
-        tween.easing = easing;
-        tween.duration = duration;
-        tween.started = 1;
-    }
-    if (center.x == destination.x) tween.from.x = center.x;
-    if (center.y == destination.y) tween.from.y = center.y;
+    if (!tween.started) StartTween(tween, center, duration, easing);
+    // Already there: the move has nothing left to do.
     if (center == destination) tween.elapsed = tween.duration;
-    if (duration == 0) view.setCenter(destination);
-    if (tween.elapsed >= tween.duration) return 1;
-    tween.elapsed += dt;
-    float progress = std::min(1.0f, tween.elapsed / tween.duration);
-    view.setCenter(tween.from + (destination - tween.from) * Ease(tween.easing, progress));
-    return progress >= 1 ? 1 : 0;
+    int done = StepTween(tween, center, destination, duration, easing, dt);
+    view.setCenter(center);
+    return done;
 }
 
 int ClampRectToContainer(const sf::FloatRect& rect, sf::FloatRect& out) {
