@@ -7,8 +7,8 @@ Every step waits on what the game shows: its log lines, the files it writes, the
 screen. Nothing waits on the clock alone, because the game may run at any frame rate: a frame
 never advances the world by more than 1/60 s, so on a slow machine (software GL, a busy CPU) the
 world runs slower than the clock. The converse holds everywhere: the world never runs faster than
-the clock, so a key held for t seconds moves the hero at most t x his full speed. The scripts use
-that bound when they must not overshoot, and poll what the game shows for everything else.
+the clock, so a key pressed every t seconds of the clock is pressed at least every t seconds of the
+world.
 """
 import contextlib
 import glob
@@ -30,8 +30,7 @@ LOOK_INTERVAL = 0.2
 # The longest any single wait may take. The whole of a test must stay well inside CTest's limit.
 PATIENCE = 60
 
-# How far the hero walks in one second of the world (px), and the sprites' scale on screen.
-WALK_SPEED = 700
+# The sprites' scale on the screen.
 SPRITE_SCALE = 3
 
 HERO_SHEET = "Assets/Sprites/Player/Hero1.png"

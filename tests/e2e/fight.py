@@ -7,9 +7,9 @@ game teaches: he keeps towards it, and parries and swings over and over, so that
 a parry and the swings that follow land while it recovers. Where it is comes from the screen
 (the colours only a Trash wears); whether it fell comes from the log.
 
-Only the pace of the presses counts against the world's frame rate: one press of each every
-PRESS_INTERVAL seconds of the clock is at most one every PRESS_INTERVAL seconds of the world,
-however fast the game runs, and more often on a slow machine, which does no harm.
+Only the pace of the presses counts against the frame rate: a press every PRESS_INTERVAL seconds
+of the clock comes at least every PRESS_INTERVAL seconds of the world however fast the game runs,
+and more often on a slow machine, which does no harm.
 """
 import sys
 import threading
