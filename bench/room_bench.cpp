@@ -102,7 +102,8 @@ FrameTimes MeasureFrames(sf::RenderWindow& window, int number) {
         walker.Step();
         auto begin = Clock::now();
         UpdateGame(window, kDt);
-        window.clear();
+        // The game clears the window only where the world does not cover it.
+        if (FullResolutionWorld()) window.clear();
         DrawGame(window);
         window.display();
         if (frame >= kWarmUp) frames.push_back(Milliseconds(begin, Clock::now()));

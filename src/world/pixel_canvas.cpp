@@ -20,6 +20,19 @@ struct PixelCanvas {
 
 PixelCanvas canvas;
 int fullResolution = 0;
+std::unique_ptr<sf::Shader> plainTexture;
+
+const char* const kPlainTexture =
+    "uniform sampler2D texture;\n"
+    "void main() { gl_FragColor = texture2D(texture, gl_TexCoord[0].xy); }\n";
+
+void CreatePlainTextureShader() {
+    if (plainTexture || !sf::Shader::isAvailable()) return;
+    auto shader = std::make_unique<sf::Shader>();
+    if (!shader->loadFromMemory(kPlainTexture, sf::Shader::Fragment)) return;
+    shader->setUniform("texture", sf::Shader::CurrentTexture);
+    plainTexture = std::move(shader);
+}
 
 // Grows the texture when a frame needs more texels than it has (a zoomed-out or rotated view).
 void EnsureCapacity(sf::Vector2u size) {
@@ -45,11 +58,17 @@ sf::Vector2f Rotate(sf::Vector2f v, float degrees) {
 
 void CreatePixelCanvas() {
     canvas = PixelCanvas();
+    CreatePlainTextureShader();
     EnsureCapacity(PixelCanvasSizeFor(sf::View(sf::FloatRect({0, 0}, kScreenSize))));
 }
 
 void DestroyPixelCanvas() {
     canvas = PixelCanvas();
+    plainTexture.reset();
+}
+
+const sf::Shader* PlainTextureShader() {
+    return plainTexture.get();
 }
 
 sf::Vector2u PixelCanvasSizeFor(const sf::View& view) {
@@ -110,9 +129,15 @@ void PresentPixelCanvas(sf::RenderTarget& window) {
     picture.setRotation(-rotation);
     picture.setPosition(kScreenSize / 2.0f + shift);
     window.setView(sf::View(sf::FloatRect({0, 0}, kScreenSize)));
-    window.draw(picture, sf::BlendNone);
+    sf::RenderStates states(sf::BlendNone);
+    states.shader = plainTexture.get();
+    window.draw(picture, states);
 }
 
 void SetFullResolutionWorld(int on) {
     fullResolution = on;
+}
+
+int FullResolutionWorld() {
+    return fullResolution;
 }
