@@ -6,6 +6,7 @@
 #include "app/game.h"
 #include "common/log.h"
 #include "common/motion.h"
+#include "enemies/enemy_body.h"
 #include "enemies/trash.h"
 #include "hud/player_hud.h"
 #include "interactables/money.h"
@@ -17,47 +18,29 @@
 
 namespace {
 
-// What the framework needs of a kind. A kind whose module is not part of the game yet has no
-// operations: its roster is empty.
-struct KindOps {
-    int (*count)() = nullptr;
-    sf::Sprite* (*sprite)(int) = nullptr;
-    sf::FloatRect (*hurtbox)(int) = nullptr;
-    sf::FloatRect (*attackBox)(int) = nullptr;
-    int* (*life)(int) = nullptr;
-    int (*container)(int) = nullptr;
-    int (*state)(int) = nullptr;
-    bool (*striking)(int) = nullptr;
-    void (*disarm)(int) = nullptr;
-    void (*update)(float, sf::Vector2f) = nullptr;
-    void (*draw)(sf::RenderTarget&) = nullptr;
-    void (*destroyAll)() = nullptr;
-};
-
-std::array<KindOps, ENEMY_KIND_COUNT> MakeKinds() {
-    std::array<KindOps, ENEMY_KIND_COUNT> kinds{};
-    kinds[ENEMY_TRASH] = {TrashCount,  TrashSprite,    TrashHurtbox, TrashAttackBox,
-                          TrashLife,   TrashContainer, TrashState,   TrashStriking,
-                          DisarmTrash, UpdateTrashes,  DrawTrashes,  DestroyAllTrashes};
+// The roster's table, in kind order. A kind not built yet has no row.
+std::array<const EnemyKindOps*, ENEMY_KIND_COUNT> MakeKinds() {
+    std::array<const EnemyKindOps*, ENEMY_KIND_COUNT> kinds{};
+    kinds[ENEMY_TRASH] = &TrashKind();
     return kinds;
 }
 
-const std::array<KindOps, ENEMY_KIND_COUNT> kinds = MakeKinds();
+const std::array<const EnemyKindOps*, ENEMY_KIND_COUNT>& Kinds() {
+    static const std::array<const EnemyKindOps*, ENEMY_KIND_COUNT> kinds = MakeKinds();
+    return kinds;
+}
 
-// The state in which each kind lies dead (the Plant never dies).
-constexpr std::array<int, ENEMY_KIND_COUNT> kDeadState = {2, 5, 6, 3, 3, -1, 3, 5};
-// What a hit of each kind costs the hero, and whether a parry stops it.
-constexpr std::array<int, ENEMY_KIND_COUNT> kDamage = {18, 25, 16, 12, 5, 100, 15, 30};
-constexpr std::array<bool, ENEMY_KIND_COUNT> kParryable = {false, true,  true, true,
-                                                           false, false, true, true};
+const EnemyKindOps* Kind(int kind) {
+    return kind >= 0 && kind < ENEMY_KIND_COUNT ? Kinds()[kind] : nullptr;
+}
+
 // The money each kind drops when the hero fells it.
 constexpr std::array<int, ENEMY_KIND_COUNT> kMoney = {10, 250, 60, 30, 20, 0, 80, 0};
 
-EffectList blood;
+// The back pass draws the Goddess, then the Plants, behind everything else.
+constexpr std::array<int, 2> kDrawnBehind = {ENEMY_GODDESS, ENEMY_PLANT};
 
-bool Built(int kind) {
-    return kind >= 0 && kind < ENEMY_KIND_COUNT && kinds[kind].count;
-}
+EffectList blood;
 
 sf::FloatRect ContainerBounds(int containerId) {
     for (const EnemyContainer& container : CurrentRoom().enemyContainers) {
@@ -103,32 +86,63 @@ void ParryHit() {
     camera.view->setSize(size * 0.95f);
 }
 
+// An attack that reached the hero: parried or landed, then spent.
+void TakeBlow(int index, int kind, int attack) {
+    Player& player = GetPlayer();
+    const EnemyKindOps& ops = *Kind(kind);
+    EnemyBlow blow = ops.blow(index, attack);
+    sf::Vector2f enemy = GetEnemyPosition(index, kind);
+    if (player.body.state == PLAYER_PARRY && blow.parryable) {
+        SetPlayerFacing(enemy.x >= GetPlayerPosition().x);
+        ParryHit();
+    } else {
+        if (!player.godMode) HurtPlayer(blow.damage, enemy);
+        FlashDamageVignette();
+    }
+    if (ops.landed) {
+        ops.landed(index, attack);
+    } else {
+        ops.body(index).armed = 0;
+    }
+}
+
+// Blood on the hurtbox's centre, turned away from whoever struck.
+void Bleed(sf::FloatRect hurtbox, float attackerX) {
+    sf::Vector2f center(hurtbox.left + hurtbox.width / 2, hurtbox.top + hurtbox.height / 2);
+    AddEffect(blood, center, 0, {center.x < attackerX ? -3.0f : 3.0f, 3});
+}
+
 }  // namespace
 
 void LoadEnemyAssets() {
-    LoadTrashAssets();
+    for (const EnemyKindOps* kind : Kinds()) {
+        if (kind && kind->loadAssets) kind->loadAssets();
+    }
     LoadEffectList(blood, "Assets/Sprites/FX/DamageBloodFX.png", {135, 106}, 5, 15);
 }
 
 void DestroyEnemyAssets() {
-    DestroyTrashAssets();
+    for (const EnemyKindOps* kind : Kinds()) {
+        if (kind && kind->destroyAssets) kind->destroyAssets();
+    }
     FreeEffectList(blood);
 }
 
 void AddEnemy(int enemyType, sf::Vector2f position, int containerId, int region) {
-    if (enemyType == ENEMY_TRASH) AddTrashEnemy(position, containerId, region);
+    const EnemyKindOps* kind = Kind(enemyType);
+    if (kind && kind->add) kind->add(position, containerId, region);
 }
 
 void DestroyAllEnemies() {
-    for (const KindOps& kind : kinds) {
-        if (kind.destroyAll) kind.destroyAll();
+    for (const EnemyKindOps* kind : Kinds()) {
+        if (kind && kind->destroyAll) kind->destroyAll();
     }
     blood.instances.clear();
 }
 
 void UpdateEnemies(float dt, sf::Vector2f target) {
     for (int kind = 0; kind < ENEMY_KIND_COUNT; kind++) {
-        if (kind == ENEMY_PLANT || kind == ENEMY_GODDESS) continue;
+        if (!Kind(kind) || !Kind(kind)->pushedOut) continue;
         for (int i = 0; i < EnemyCount(kind); i++) {
             sf::Sprite& sprite = *GetEnemySprite(i, kind);
             sf::FloatRect box = GetEnemyHurtbox(i, kind);
@@ -136,8 +150,8 @@ void UpdateEnemies(float dt, sf::Vector2f target) {
             ClampToContainer(&sprite, CLAMP_SPRITE, box, true, GetEnemyContainer(i, kind));
         }
     }
-    for (const KindOps& kind : kinds) {
-        if (kind.update) kind.update(dt, target);
+    for (const EnemyKindOps* kind : Kinds()) {
+        if (kind && kind->update) kind->update(dt, target);
     }
     UpdateEffects(blood, dt);
 }
@@ -154,9 +168,16 @@ void FadeEnemyFlashes(float dt) {
 }
 
 void DrawEnemies(sf::RenderTarget& target, bool drawMain, bool drawBack) {
-    for (int kind = 0; kind < ENEMY_KIND_COUNT; kind++) {
-        bool back = kind == ENEMY_GODDESS || kind == ENEMY_PLANT;
-        if ((back ? drawBack : drawMain) && kinds[kind].draw) kinds[kind].draw(target);
+    auto draw = [&target](int kind) {
+        if (Kind(kind) && Kind(kind)->draw) Kind(kind)->draw(target);
+    };
+    if (drawMain) {
+        for (int kind = 0; kind < ENEMY_KIND_COUNT; kind++) {
+            if (kind != ENEMY_GODDESS && kind != ENEMY_PLANT) draw(kind);
+        }
+    }
+    if (drawBack) {
+        for (int kind : kDrawnBehind) draw(kind);
     }
     DrawEffects(target, blood);
 }
@@ -168,17 +189,11 @@ void EnemiesHitPlayer() {
     for (int kind = 0; kind < ENEMY_KIND_COUNT; kind++) {
         for (int i = 0; i < EnemyCount(kind); i++) {
             if (!IsEnemyStriking(i, kind)) continue;
-            if (!GetEnemyAttackBox(i, kind, 0).intersects(body)) continue;
-            if (player.body.state == PLAYER_DEAD) continue;
-            sf::Vector2f enemy = GetEnemyPosition(i, kind);
-            if (player.body.state == PLAYER_PARRY && kParryable[kind]) {
-                SetPlayerFacing(enemy.x >= GetPlayerPosition().x);
-                ParryHit();
-            } else {
-                if (!player.godMode) HurtPlayer(kDamage[kind], enemy);
-                FlashDamageVignette();
+            for (int attack = 0; attack < EnemyAttackCount(i, kind); attack++) {
+                if (!GetEnemyAttackBox(i, kind, attack).intersects(body)) continue;
+                if (player.body.state == PLAYER_DEAD) continue;
+                TakeBlow(i, kind, attack);
             }
-            kinds[kind].disarm(i);
         }
     }
 }
@@ -201,9 +216,7 @@ void PlayerHitsEnemies() {
             if (!hurtbox.intersects(attack)) continue;
             int* life = GetEnemyLife(i, kind);
             if (life) *life -= damage;
-            sf::Vector2f center(hurtbox.left + hurtbox.width / 2, hurtbox.top + hurtbox.height / 2);
-            bool left = center.x < GetPlayerPosition().x;
-            AddEffect(blood, center, 0, {left ? -3.0f : 3.0f, 3});
+            Bleed(hurtbox, GetPlayerPosition().x);
             player.body.hitDealt = 1;
             CreateSoundArray(player.sounds[SOUND_HIT], 0);
             GetEnemySprite(i, kind)->setColor(sf::Color::Red);
@@ -213,6 +226,27 @@ void PlayerHitsEnemies() {
             }
         }
     }
+}
+
+void DamageEnemy(int index, int kind, int damage, sf::Vector2f attackerPosition) {
+    if (index < 0 || index >= EnemyCount(kind)) return;
+    int* life = GetEnemyLife(index, kind);
+    if (life) *life -= damage;
+    if (damage < 1) return;
+    sf::FloatRect hurtbox = GetEnemyHurtbox(index, kind);
+    if (hurtbox.width == 0 && hurtbox.height == 0) hurtbox = {};
+    Bleed(hurtbox, attackerPosition.x);
+}
+
+sf::Vector2f BossFocusPoint(sf::Vector2f fallback) {
+    sf::Vector2f point = fallback;
+    for (int kind = 0; kind < ENEMY_KIND_COUNT; kind++) {
+        for (int i = 0; i < EnemyCount(kind); i++) {
+            sf::FloatRect bounds = GetEnemySprite(i, kind)->getGlobalBounds();
+            point = {bounds.left + bounds.width / 2, bounds.top + bounds.height / 2};
+        }
+    }
+    return point;
 }
 
 int EnemyMoney(int kind) {
@@ -235,7 +269,13 @@ void PayEnemyMoney(int kind, sf::Vector2f position) {
 }
 
 int EnemyCount(int kind) {
-    return Built(kind) ? kinds[kind].count() : 0;
+    return Kind(kind) && Kind(kind)->count ? Kind(kind)->count() : 0;
+}
+
+int EnemyAttackCount(int index, int kind) {
+    const EnemyKindOps* ops = Kind(kind);
+    if (!ops || !ops->attackBox) return 0;
+    return ops->attackCount ? ops->attackCount(index) : 1;
 }
 
 int CountDeadEnemies() {
@@ -247,36 +287,45 @@ int CountDeadEnemies() {
 }
 
 sf::Sprite* GetEnemySprite(int index, int kind) {
-    return kinds[kind].sprite(index);
+    return Kind(kind)->body(index).sprite.get();
 }
 
 sf::FloatRect GetEnemyHurtbox(int index, int kind) {
-    return Built(kind) ? kinds[kind].hurtbox(index) : sf::FloatRect();
+    const EnemyKindOps* ops = Kind(kind);
+    return ops && ops->hurtbox ? ops->hurtbox(index) : sf::FloatRect();
 }
 
 sf::FloatRect GetEnemyAttackBox(int index, int kind, int attack) {
-    (void)attack;  // only the Slime has several attacks at once: its projectiles
-    return Built(kind) ? kinds[kind].attackBox(index) : sf::FloatRect();
+    const EnemyKindOps* ops = Kind(kind);
+    return ops && ops->attackBox ? ops->attackBox(index, attack) : sf::FloatRect();
 }
 
 int* GetEnemyLife(int index, int kind) {
-    return Built(kind) && kinds[kind].life ? kinds[kind].life(index) : nullptr;
+    const EnemyKindOps* ops = Kind(kind);
+    if (!ops || ops->deadState < 0) return nullptr;  // what never dies has no life to count
+    return &ops->body(index).life;
 }
 
 int GetEnemyContainer(int index, int kind) {
-    return kinds[kind].container(index);
+    return Kind(kind)->body(index).containerId;
 }
 
 bool IsEnemyStriking(int index, int kind) {
-    return Built(kind) && kinds[kind].striking(index);
+    const EnemyKindOps* ops = Kind(kind);
+    return ops && ops->striking && ops->striking(index);
 }
 
 bool IsEnemyDead(int index, int kind) {
-    return Built(kind) && kDeadState[kind] >= 0 && kinds[kind].state(index) == kDeadState[kind];
+    const EnemyKindOps* ops = Kind(kind);
+    return ops && ops->deadState >= 0 && ops->body(index).state == ops->deadState;
 }
 
 sf::Vector2f GetEnemyPosition(int index, int kind) {
     return GetEnemySprite(index, kind)->getPosition();
+}
+
+int GetEnemyState(int index, int kind) {
+    return Kind(kind)->body(index).state;
 }
 
 bool ClampToContainer(sf::Transformable* object, int objectKind, const sf::FloatRect& box,

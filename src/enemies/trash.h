@@ -3,21 +3,12 @@
 
 #include <SFML/Graphics.hpp>
 
+#include "enemies/enemies.h"
+
 enum TrashState { TRASH_IDLE = 0, TRASH_WALK = 1, TRASH_ATTACK = 2, TRASH_DEAD = 3 };
 
-void LoadTrashAssets();
-void DestroyTrashAssets();
-void AddTrashEnemy(sf::Vector2f position, int containerId, int region);
-void UpdateTrashes(float dt, sf::Vector2f target);
-void DrawTrashes(sf::RenderTarget& target);
-void DestroyAllTrashes();
+// The Trash's row in the roster's table.
+const EnemyKindOps& TrashKind();
 
-int TrashCount();
-sf::Sprite* TrashSprite(int index);
-sf::FloatRect TrashHurtbox(int index);
-sf::FloatRect TrashAttackBox(int index);
-int* TrashLife(int index);
-int TrashContainer(int index);
+void AddTrashEnemy(sf::Vector2f position, int containerId, int region);
 int TrashState(int index);
-bool TrashStriking(int index);
-void DisarmTrash(int index);

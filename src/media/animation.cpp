@@ -69,3 +69,34 @@ int ReadAnimTail(std::FILE* file, const char* format) {
     if (std::fscanf(file, format, &value) != 1) return 0;
     return value;
 }
+
+bool ReadAnimData(const char* path, std::span<const AnimClipSpec> specs, AnimData& data,
+                  const std::function<void(std::FILE*, int)>& extra) {
+    std::FILE* file = std::fopen(path, "r");
+    if (!file) return false;
+    ReadAnimSize(file, data.frameSize);
+    ReadAnimFirstFrame(file, data.firstFrame);
+    if (extra) extra(file, -1);
+    data.clips.assign(specs.size(), Animation());
+    data.damageFrames.assign(specs.size(), 0);
+    for (size_t i = 0; i < specs.size(); i++) {
+        Animation& clip = data.clips[i];
+        ReadAnimClip(file, specs[i].label, clip, data.frameSize, data.firstFrame, int(i));
+        clip.loop = specs[i].loop;
+        if (specs[i].damageTail) data.damageFrames[i] = ReadAnimTail(file, specs[i].damageTail);
+        if (extra) extra(file, int(i));
+    }
+    std::fclose(file);
+    return true;
+}
+
+void BindClips(std::vector<Animation>& clips, sf::Sprite* sprite, sf::Vector2u sheetSize) {
+    for (Animation& clip : clips) {
+        clip.sprite = sprite;
+        clip.sheetSize = sheetSize;
+    }
+}
+
+sf::Vector2u SheetSize(const sf::Sprite* sprite) {
+    return sprite && sprite->getTexture() ? sprite->getTexture()->getSize() : sf::Vector2u();
+}

@@ -3,6 +3,9 @@
 
 #include <SFML/Graphics.hpp>
 #include <cstdio>
+#include <functional>
+#include <span>
+#include <vector>
 
 struct Animation {
     sf::Sprite* sprite = nullptr;  // shared by every clip of an entity; not owned
@@ -35,3 +38,30 @@ void ReadAnimClip(std::FILE* file, const char* label, Animation& clip, sf::Vecto
                   sf::Vector2i firstFrame, int row);
 // A clip's tail such as " / Damage Frame : %d"; the number, or 0 when it does not match.
 int ReadAnimTail(std::FILE* file, const char* format);
+
+// One clip of an animation data file: its label, whether it loops, and the tail that carries its
+// damage frame (a scanf format with one %d), if it has one.
+struct AnimClipSpec {
+    const char* label;
+    int loop;
+    const char* damageTail = nullptr;
+};
+
+// What an animation data file holds: the frame size, the first frame's position, one clip per
+// spec (clip i lays out row i) and each clip's damage frame (0 without one).
+struct AnimData {
+    sf::Vector2i frameSize;
+    sf::Vector2i firstFrame;
+    std::vector<Animation> clips;
+    std::vector<int> damageFrames;
+};
+
+// Reads a whole animation data file. `extra` reads what a sheet adds to the common format: it is
+// called with -1 after the header and with each clip's index after that clip's line. False when
+// the file cannot be opened (nothing is read).
+bool ReadAnimData(const char* path, std::span<const AnimClipSpec> specs, AnimData& data,
+                  const std::function<void(std::FILE*, int)>& extra = {});
+// The size of the sheet a sprite shows (0 x 0 without a texture).
+sf::Vector2u SheetSize(const sf::Sprite* sprite);
+// Binds copies of the clips to a sprite showing a sheet of `sheetSize`.
+void BindClips(std::vector<Animation>& clips, sf::Sprite* sprite, sf::Vector2u sheetSize);

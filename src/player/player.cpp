@@ -15,38 +15,28 @@ Player player;
 
 const char* const kAnimDataPath = "Assets/Sprites/Player/Hero1AnimData.txt";
 
-// Per state: its label in the animation file and whether its clip loops.
-struct ClipInfo {
-    const char* label;
-    int loop;
-};
-
-const std::array<ClipInfo, PLAYER_STATE_COUNT> kClips = {{
+// Per state: its label in the animation file, whether its clip loops, and its damage frame.
+constexpr const char* kDamage = " / DAMAGE FRAME : %d";
+const std::array<AnimClipSpec, PLAYER_STATE_COUNT> kClips = {{
     {"IDLE", 1},
     {"WALK", 1},
     {"DASH", 1},
     {"RUN", 1},
     {"JUMP", 0},
     {"FALL", 1},
-    {"LIGHT ATTACK_1", 0},
-    {"LIGHT ATTACK_2", 0},
-    {"LIGHT ATTACK_3", 0},
+    {"LIGHT ATTACK_1", 0, kDamage},
+    {"LIGHT ATTACK_2", 0, kDamage},
+    {"LIGHT ATTACK_3", 0, kDamage},
     {"HEAVY ATTACK_PREPARATION", 0},
     {"HEAVY ATTACK_WAIT", 1},
-    {"HEAVY ATTACK_HIT", 0},
+    {"HEAVY ATTACK_HIT", 0, kDamage},
     {"JUMP ATTACK_IN_THE_AIR", 0},
-    {"JUMP ATTACK_HIT", 0},
+    {"JUMP ATTACK_HIT", 0, kDamage},
     {"TAKE DAMAGE", 0},
     {"DEAD", 0},
     {"PARRY", 0},
     {"REVIVE", 0},
 }};
-
-bool HasDamageFrame(int state) {
-    return state == PLAYER_LIGHT_ATTACK_1 || state == PLAYER_LIGHT_ATTACK_2 ||
-           state == PLAYER_LIGHT_ATTACK_3 || state == PLAYER_HEAVY_ATTACK_HIT ||
-           state == PLAYER_JUMP_ATTACK_HIT;
-}
 
 const std::array<const char*, PLAYER_SOUND_COUNT> kSoundFiles = {
     "Assets/Sounds/SFX/Player/Sword_Light_Attack.wav",
@@ -129,27 +119,21 @@ bool AttackHeld() {
 }
 
 void LoadPlayerAnimations() {
-    std::FILE* file = std::fopen(kAnimDataPath, "r");
-    if (!file) return;
-    sf::Vector2i first;
-    ReadAnimSize(file, player.frameSize);
-    ReadAnimFirstFrame(file, first);
+    AnimData data;
+    auto parryOffset = [](std::FILE* file, int clip) {
+        if (clip != PLAYER_PARRY) return;
+        sf::Vector2i& offset = player.parryEffectOffset;
+        [[maybe_unused]] int read =
+            std::fscanf(file, " / PARRY IMPACT FX POSITIOJN ( %d,%d)", &offset.x, &offset.y);
+        Log("%d %d \n", offset.x, offset.y);
+    };
+    if (!ReadAnimData(kAnimDataPath, kClips, data, parryOffset)) return;
+    player.frameSize = data.frameSize;
+    BindClips(data.clips, player.sprite.get(), SheetSize(player.sprite.get()));
     for (int state = 0; state < PLAYER_STATE_COUNT; state++) {
-        Animation& clip = player.clips[state];
-        clip.sprite = player.sprite.get();
-        ReadAnimClip(file, kClips[state].label, clip, player.frameSize, first, state);
-        clip.loop = kClips[state].loop;
-        if (HasDamageFrame(state)) {
-            player.damageFrame[state] = ReadAnimTail(file, " / DAMAGE FRAME : %d");
-        }
-        if (state == PLAYER_PARRY) {
-            sf::Vector2i& offset = player.parryEffectOffset;
-            [[maybe_unused]] int read =
-                std::fscanf(file, " / PARRY IMPACT FX POSITIOJN ( %d,%d)", &offset.x, &offset.y);
-            Log("%d %d \n", offset.x, offset.y);
-        }
+        player.clips[state] = data.clips[state];
+        player.damageFrame[state] = data.damageFrames[state];
     }
-    std::fclose(file);
 }
 
 void CreatePlayer(sf::Vector2f spawnPosition) {

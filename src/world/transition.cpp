@@ -2,6 +2,7 @@
 
 #include "common/ease.h"
 #include "common/log.h"
+#include "enemies/enemies.h"
 #include "player/player.h"
 #include "player/save.h"
 #include "world/camera.h"
@@ -67,8 +68,7 @@ void StartFade(int direction, float duration) {
 }
 
 sf::Vector2f FocusOnBoss() {
-    // Enemies are not in this world yet: the focus stays on the view's centre.
-    return GameCamera().view->getCenter();
+    return BossFocusPoint(GameCamera().view->getCenter());
 }
 
 // The view's size after a door: zoom in when the container is smaller than the view.

@@ -1,0 +1,68 @@
+// What every enemy kind's record holds and does the same way: its sprite, state, life, arena,
+// armed attack, clips with their damage frames, and sounds that follow it. A kind's module keeps
+// only its own behaviour and builds on these.
+#pragma once
+
+#include <SFML/Graphics.hpp>
+#include <span>
+#include <vector>
+
+#include "common/drawables.h"
+#include "media/animation.h"
+#include "media/sound.h"
+
+struct EnemyBody {
+    SpritePtr sprite;
+    int state = 0;
+    int current = 0;  // the clip shown, usually the state's own
+    int life = 0;
+    int containerId = 0;
+    int armed = 0;  // the current attack may still land
+    std::vector<Animation> clips;
+    std::vector<int> damageFrames;  // per clip, counted from 1; 0 without one
+    std::vector<SoundArray> sounds;
+};
+
+// A kind's sheet as read once at load: the frame size and the template clips.
+struct EnemySheet {
+    TexturePtr texture;
+    AnimData anim;
+    bool read = false;
+};
+
+// Loads a kind's texture and reads its animation data file (a missing file leaves it unread).
+void LoadEnemySheet(EnemySheet& sheet, const char* texturePath, const char* animPath,
+                    std::span<const AnimClipSpec> clips,
+                    const std::function<void(std::FILE*, int)>& extra = {});
+
+// Makes the body's sprite on `texture` (frame 0 of `frameSize`, origin at `origin` times the
+// frame, scale 3) at `position`, and copies the sheet's clips onto it.
+void CreateEnemyBody(EnemyBody& body, const sf::Texture* texture, const AnimData& anim,
+                     sf::Vector2f position, sf::Vector2f origin, int containerId, int life);
+// Loads the body's sounds, spatial or not, at base volume 100.
+void LoadEnemySounds(EnemyBody& body, std::span<const char* const> paths, int spatial);
+
+// Switches to a state and shows its clip from the first frame.
+void EnterState(EnemyBody& body, int state);
+// Shows another state's clip without changing state (a kind whose clips outnumber its states).
+void ShowClip(EnemyBody& body, int clip);
+void AdvanceClip(EnemyBody& body, float dt);
+const Animation& CurrentClip(const EnemyBody& body);
+// The shown clip's frame, counted from 1, is its damage frame (compared as 16-bit, as the files
+// store them).
+bool AtDamageFrame(const EnemyBody& body);
+bool ClipFinished(const EnemyBody& body);
+// Every sound of the enemy is heard from where it stands.
+void SoundsFollow(EnemyBody& body);
+void PlaySound(EnemyBody& body, int sound, int reuse);
+
+// Facing, for a sheet drawn facing left (scale x +3) or right.
+bool FacesRight(const EnemyBody& body, bool sheetFacesLeft);
+void FaceRight(EnemyBody& body, bool right, bool sheetFacesLeft);
+sf::Vector2f BodyPosition(const EnemyBody& body);
+
+// A probe ahead of a walker is blocked when it touches a solid wall, or its point or box leaves
+// the walker's arena.
+bool ProbeBlocked(const sf::FloatRect& probe, sf::Vector2f point, int containerId);
+// A box touches any active solid collision of the room.
+bool TouchesSolid(const sf::FloatRect& box);
