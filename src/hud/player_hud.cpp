@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "common/motion.h"
+#include "hud/boss_hud.h"
 #include "interactables/money.h"
 #include "player/save.h"
 
@@ -254,7 +255,7 @@ void UpdatePlayerHud(int life, int potions, float dt) {
     if (!hud.container) return;
     UpdateHealFlask(potions, dt);
     UpdateLifeBar(life, dt);
-    // The boss bars advance here once they exist.
+    UpdateBossHud(dt);
     UpdateVignette(dt);
 }
 
@@ -276,7 +277,7 @@ void DrawPlayerHud(sf::RenderTarget& target, float brightness) {
         DrawDarkened(target, *hud.lost[piece], brightness);
         DrawDarkened(target, *hud.fill[piece], brightness);
     }
-    // The boss bars go here, over the life bar and under the flask, once they exist.
+    DrawBossHud(target, brightness);  // over the life bar, under the flask
     DrawDarkened(target, *hud.heal, brightness);
     DrawMoneyCounter(target, brightness);
     target.setView(previous);
@@ -302,6 +303,7 @@ void FlashDamageVignette() {
 
 void DestroyPlayerHud() {
     DestroyMoneyCounter();
+    DestroyBossHud();
     hud = PlayerHud();
 }
 

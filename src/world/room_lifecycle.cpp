@@ -1,6 +1,7 @@
 #include "world/room_lifecycle.h"
 
 #include "enemies/enemies.h"
+#include "hud/boss_hud.h"
 #include "interactables/statues.h"
 #include "world/camera.h"
 #include "world/doors.h"
@@ -26,12 +27,15 @@ void LoadNextTargetRoom(sf::RenderWindow& window, int roomNumber) {
     const Room& room = CurrentRoom();
     CreateDoorSprites(room.region);
     AddRoomStatues(roomNumber);
+    LoadBossHud();
     for (const EnemySpawn& spawn : room.enemySpawns) {
         AddEnemy(spawn.enemyType, spawn.position, spawn.containerId, room.region);
     }
+    if (room.bossRoom != 0) AddBossBars();
 }
 
 void CleanupRoom() {
+    RemoveAllBossBars();
     DestroyAllEnemies();
     ReleaseRoom();
     DestroyStatues();
