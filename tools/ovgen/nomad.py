@@ -58,6 +58,7 @@ REACH = FW * 0.5                     # tx in front of the centre line
 MATERIALS = {
     "coat": rig.Material.of("#0c0a08", "#282319", "#3e3626", "#5a4e36", "#7a6c4c"),
     "hood": rig.Material.of("#0f0c08", "#5a4a32", "#84704c", "#ab966a", "#cdbb8e"),
+    "mantle": rig.Material.of("#0e0b08", "#3e3424", "#5c4e36", "#7c6a4a", "#9c8862"),
     "trousers": rig.Material.of("#090909", "#1f1d22", "#312e35", "#4a4650", "#65606c"),
     "scarf": rig.Material.of("#03100f", "#15403c", "#22645b", "#3a8f7f", "#64b6a0"),
     "wraps": rig.Material.of("#15110c", "#6c604c", "#9c8c6c", "#c4b48e", "#dccfaa"),
@@ -66,7 +67,7 @@ MATERIALS = {
     "blade": rig.Material.of("#0f151c", "#61727e", "#9aaab2", "#c6d2d6", "#dfe8ea"),
     "eye": rig.Material.of("#2a1204", "#a8581a", "#e89a2e", "#ffc850", "#ffe89a"),
     "smear": rig.Material.of("#4a3810", "#a88a3c", "#e0c670", "#fbeaa8", "#ffffff"),
-    "dust": rig.Material.of("#000000", "#2c2a24", "#423e34", "#5e5848", "#5e5848"),
+    "dust": rig.Material.of("#000000", "#5e5a50", "#868070", "#aca490", "#aca490"),
     "ghost": px.rgb("#4f9a8a"),
 }
 # the flash of the blade on a damage frame: dark edge, shadow, base, light, rim (white hot)
@@ -79,7 +80,7 @@ SPEED = [px.rgb(h) for h in ("#bcd8cc", "#7fae9e", "#4e7e70")]   # speed lines, 
 
 NOMAD = rig.Body(thigh=15.0, shin=15.0, upper_arm=10.5, forearm=10.0, torso=18.0, shoulder=15.5,
                  neck=2.0, head_r=(5.2, 5.4), grip=4.0, pommel=2.5, blade=33.0, blade_w=1.5,
-                 guard=2.6, cape_len=25.0, cape_w=(4.5, 8.0), scarf_len=20.0,
+                 guard=2.6, cape_len=25.0, cape_w=(4.5, 8.0), scarf_len=26.0,
                  limb_r={"thigh": (3.0, 2.4), "shin": (2.2, 1.7), "upper_arm": (2.1, 1.8),
                          "forearm": (1.8, 1.5)},
                  materials=MATERIALS)
@@ -131,7 +132,7 @@ class Skeleton:
 
     def eyes(self):
         """Near eye, far eye."""
-        return self.hl(0.3, 3.7), self.hl(0.5, 1.4)
+        return self.hl(0.2, 4.8), self.hl(0.4, 2.5)
 
     def blade_point(self, t):
         """The point a fraction t along the edge, guard 0 to tip 1, following the curve."""
@@ -140,6 +141,7 @@ class Skeleton:
         return add(add(self.guard_c, d, s), n, CURVE * s * s)
 
 
+IMPACT_X = 50.0              # where the heavy cut bites the ground
 PLANT_TIP = (15.0, -7.0)      # where the dropped blade stands in the ground (DEAD)
 PLANT_ANGLE = -84.0
 
@@ -347,7 +349,7 @@ def build_nomad(body, pose, cv):
     mmask |= cv.polygon([tl(body.torso + 1.2, -4.0), tl(body.torso + 0.8, 4.6), tl(body.torso - 4.5, 6.0),
                          tl(body.torso - 8.5, 3.0), tl(body.torso - 9.5, -2.0), tl(body.torso - 6.0, -5.5)])
     mmask = _tatter(cv, mmask, mpts, mdirs, 5.0, wave + 0.5, n=2)
-    mp = Part("mantle", mmask, m["hood"], "mantle")
+    mp = Part("mantle", mmask, m["mantle"], "mantle")
     mp.details.append((cv.capsule(tl(body.torso - 1.0, 1.5), tl(body.torso - 6.5, 4.0), 0.4) & mmask, 0))
     parts.append(mp)
 
@@ -482,11 +484,11 @@ def heavy_attack():
     lift = GUARD.but(hip=(-2.0, 29.5), lean=-4.0, head=-8.0, foot_f=(6.0, 2.0), foot_b=(-11.0, 2.0),
                      hand_f=(-3.0, 3.0), hand_b=None, weapon=150.0, cape=6.0, scarf=30.0,
                      weapon_behind=True, stretch=1.03)
-    high = lift.but(hip=(-2.5, 30.5), lean=-10.0, head=-14.0, hand_f=(-1.0, 9.0), weapon=112.0,
+    high = lift.but(hip=(-2.5, 30.5), lean=-8.0, head=-6.0, hand_f=(4.0, 17.0), weapon=118.0,
                     toe_f=-10, stretch=1.05, weapon_behind=False)
-    hold = high.but(hip=(-3.0, 30.0), lean=-12.0, hand_f=(-3.0, 8.5), weapon=128.0, cape=10.0,
+    hold = high.but(hip=(-3.0, 30.0), lean=-10.0, hand_f=(3.0, 18.0), weapon=134.0, cape=10.0,
                     cape_wave=0.3, tags=("flare", "glint"))
-    gather = hold.but(hip=(-4.0, 28.5), lean=-14.0, hand_f=(-5.0, 7.5), weapon=140.0, stretch=1.0,
+    gather = hold.but(hip=(-4.0, 28.5), lean=-12.0, hand_f=(1.0, 17.5), weapon=148.0, stretch=1.0,
                       foot_f=(7.0, 2.0), cape=12.0, cape_wave=0.5, tags=("flare", "glint2"))
     cleave = GUARD.but(hip=(9.0, 22.0), lean=34.0, head=-18.0, foot_f=(22.0, 2.0), foot_b=(-10.0, 2.0),
                        toe_b=-35, hand_f=(12.0, -6.0), hand_b=None, weapon=-58.0, cape=95.0,
@@ -494,11 +496,9 @@ def heavy_attack():
                        tags=("flash", "heavy"), dust=((-12.0, 1.5, 1.4),))
     cleave = cleave.but(smear=smear_of(cleave, 125.0, -58.0, 6.0))
     bite = cleave.but(hip=(9.5, 20.5), lean=38.0, hand_f=(11.0, -10.0), weapon=-70.0, cape=70.0,
-                      scarf=100.0, cape_wave=0.3, tags=("heavy",),
-                      dust=((44.0, 2.5, 3.4), (35.0, 2.0, 2.4), (53.0, 2.0, 2.2), (-10.0, 2.0, 1.4)))
-    bite = bite.but(smear=smear_of(bite, 10.0, -70.0, 16.0))
-    stuck = bite.but(smear=(), tags=(), cape=45.0, cape_wave=0.6, scarf=80.0,
-                     dust=((46.0, 5.0, 3.0), (36.0, 3.0, 2.0), (55.0, 4.0, 1.8)))
+                      scarf=100.0, cape_wave=0.3, tags=("heavy", "impact"), dust=((-10.0, 2.0, 1.4),))
+    bite = bite.but(smear=smear_of(bite, -15.0, -70.0, 16.0))
+    stuck = bite.but(smear=(), tags=("settling",), cape=45.0, cape_wave=0.6, scarf=80.0, dust=())
     wrench = GUARD.but(hip=(5.0, 24.5), lean=22.0, head=-10.0, foot_f=(18.0, 2.0), foot_b=(-9.0, 2.0),
                        hand_f=(10.0, -11.0), hand_b=None, weapon=-35.0, cape=30.0, cape_wave=0.8,
                        scarf=70.0, dust=((50.0, 5.0, 1.2),))
@@ -631,6 +631,26 @@ def _speed_lines(img, direction, seed):
             img[row, x, 3] = 255
 
 
+def _impact(img, cv, x, size):
+    """The blade biting the earth at x: a cloud of thrown-up dirt in front of everything, with
+    chips of stone flying out of it."""
+    mat = MATERIALS["dust"]
+    cloud = np.zeros((cv.h, cv.w), bool)
+    for dx, dy, r in ((0.0, 2.5, 1.0), (-7.0, 1.5, 0.7), (7.0, 1.5, 0.6), (-3.0, 7.0, 0.6), (4.0, 6.5, 0.5)):
+        cloud |= cv.ellipse((x + dx * size, dy * size), 4.6 * r * size, 3.4 * r * size)
+    cloud &= px.bayer(cv.h, cv.w) < 0.85
+    tone = rig.tone_map(cloud, 1, 1)
+    for k, col in enumerate((mat.shadow, mat.base, mat.light)):
+        sel = cloud & (tone == k)
+        img[sel, :3] = col
+        img[sel, 3] = 255
+    for dx, dy in ((-10.0, 13.0), (8.0, 14.0), (12.0, 9.0), (-14.0, 8.0), (1.0, 17.0), (-5.0, 15.0)):
+        c, r = cv.pixel((x + dx * size * 0.8, dy * size * 0.8))
+        if 0 < c < cv.w - 1 and 0 < r < cv.h - 1:
+            img[r, c, :3] = mat.light
+            img[r, c, 3] = 255
+
+
 def render(pose, seed=0):
     img = rig.render(NOMAD, pose, FW, FH, builder=build_nomad, facing=FACING)
     cv = rig.Canvas(FW, FH, FACING)
@@ -645,6 +665,9 @@ def render(pose, seed=0):
     for tag, t, size in (("glint", 0.55, 3), ("glint2", 0.9, 4)):
         if tag in pose.tags:                      # a glint running up the raised blade
             _star(img, cv.pixel(sk.blade_point(t)), TELL, size)
+    for tag, size in (("impact", 1.0), ("settling", 0.75)):
+        if tag in pose.tags:
+            _impact(img, cv, IMPACT_X, size)
     if "dim" in pose.tags:                        # the eyes gutter: only the near one, faint
         c = cv.pixel(sk.eyes()[0])
         img[c[1], c[0], :3] = MATERIALS["eye"].shadow
