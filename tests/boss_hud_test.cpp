@@ -78,7 +78,7 @@ TEST_F(BossHudTest, AHitShortensTheFillAtOnceAndTheTrailFollowsAfterHalfASecond)
     EXPECT_LT(moving, full);
     UpdateBossHud(kDt);
     EXPECT_EQ(TrailWidth(0), moving - 1);  // one texel a frame
-    Run(2);
+    Run(3);  // a texel a frame: 150 texels take two and a half seconds
     EXPECT_EQ(TrailWidth(0), FillWidth(0));
     EXPECT_EQ(FillWidth(1), full);  // the other boss is untouched
 }
@@ -90,11 +90,16 @@ TEST_F(BossHudTest, BarsLeaveOnlyWhenEveryBarIsEmptyEvenIfKilledWhileSlidingIn) 
     Run(6);
     ASSERT_EQ(BossBars().size(), 2u);  // one boss still stands
     EXPECT_LE(Bar(0).shownLife, 0);
+    EXPECT_NEAR(Bar(0).container->getPosition().y, Bar(0).target.y, 0.01f);
     *GetEnemyLife(1, ENEMY_TRASH) = -4;  // overkill floors at empty
-    Run(2.5f);
+    int frames = 0;
+    while (Bar(1).shownLife > 0 && frames++ < 600) UpdateBossHud(kDt);
+    ASSERT_EQ(BossBars().size(), 2u);  // the trail has just caught up
+    Run(1);
     ASSERT_EQ(BossBars().size(), 2u);
     EXPECT_GT(Bar(1).container->getPosition().y, Bar(1).target.y);  // on its way down
-    Run(3);
+    EXPECT_GT(Bar(0).container->getPosition().y, Bar(0).target.y);
+    Run(1.1f);
     EXPECT_TRUE(BossBars().empty());
 }
 
