@@ -576,7 +576,8 @@ def dead():
                       toe_f=-90, toe_b=-90, hand_f=(17.0, -2.0), hand_b=(3.0, 11.0), cape=86.0,
                       cape_curl=-6.0, cape_flutter=2.0, scarf=100.0, scarf_curl=-10.0,
                       tags=("planted", "eyes_off"))
-    bounce = lying.but(hip=(-21.0, 6.5), lean=86.0, head=-22.0, cape=100.0, tags=("planted", "eyes_off"),
+    bounce = lying.but(hip=(-21.0, 6.5), lean=86.0, head=-22.0, cape=76.0, cape_flutter=8.0,
+                       tags=("planted", "eyes_off"),
                        dust=((-4.0, 1.5, 1.8), (-24.0, 1.5, 1.4)))
     return rig.timeline(10, [(0, reel, "linear"), (1, stagger, "out"), (2, kneel, "in"),
                              (3, bow, "out"), (5, slump, "inout"), (6, topple, "in"),
