@@ -16,8 +16,8 @@ ground in front.
 Every attack is readable before it lands: a wind-up with weight shifting back (anticipation), the
 eyes flaring on the last frame before the cut, and on the damage frame itself the blade flashing
 white with a star on its edge and the eyes blazing (the tell), a smear over the cut and a
-follow-through. The heavy cut holds its blade high for half a second with a glint running up the
-edge first. The dashes are stretched poses with afterimages, speed lines and dust; the escape dash
+follow-through. The heavy cut winds up for half a second, the blade held high over the head with a
+glint running up its edge, before it comes down. The dashes are stretched poses with afterimages, speed lines and dust; the escape dash
 is already moving on its first frame (the game moves it from the first frame), the rush dash
 gathers on its first frame (the game moves it only from the second).
 
