@@ -16,8 +16,8 @@ ground in front.
 Every attack is readable before it lands: a wind-up with weight shifting back (anticipation), the
 eyes flaring on the last frame before the cut, and on the damage frame itself the blade flashing
 white with a star on its edge and the eyes blazing (the tell), a smear over the cut and a
-follow-through. The heavy cut holds its blade high for half a second with a glint running up the
-edge first. The dashes are stretched poses with afterimages, speed lines and dust; the escape dash
+follow-through. The heavy cut winds up for half a second, the blade held high over the head with a
+glint running up its edge, before it comes down. The dashes are stretched poses with afterimages, speed lines and dust; the escape dash
 is already moving on its first frame (the game moves it from the first frame), the rush dash
 gathers on its first frame (the game moves it only from the second).
 
@@ -576,7 +576,8 @@ def dead():
                       toe_f=-90, toe_b=-90, hand_f=(17.0, -2.0), hand_b=(3.0, 11.0), cape=86.0,
                       cape_curl=-6.0, cape_flutter=2.0, scarf=100.0, scarf_curl=-10.0,
                       tags=("planted", "eyes_off"))
-    bounce = lying.but(hip=(-21.0, 6.5), lean=86.0, head=-22.0, cape=100.0, tags=("planted", "eyes_off"),
+    bounce = lying.but(hip=(-21.0, 6.5), lean=86.0, head=-22.0, cape=76.0, cape_flutter=8.0,
+                       tags=("planted", "eyes_off"),
                        dust=((-4.0, 1.5, 1.8), (-24.0, 1.5, 1.4)))
     return rig.timeline(10, [(0, reel, "linear"), (1, stagger, "out"), (2, kneel, "in"),
                              (3, bow, "out"), (5, slump, "inout"), (6, topple, "in"),
