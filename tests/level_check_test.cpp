@@ -193,3 +193,77 @@ TEST(LevelRules, HolesPairUpAndDownAndBringTheHeroThroughTheirMiddle) {
               std::string::npos)
         << faults;
 }
+
+namespace {
+
+// The Nomad's clearing in small: a boss room 30 x 12 whose two doors open into low passages, each
+// with a gate (a locked door of group 0) and past it a lock trigger, and the boss alone between.
+Room MakeBossRoom() {
+    Room room;
+    room.roomNumber = 10;
+    room.bossRoom = 1;
+    room.cameraContainer = Box(0, 0, 30 * T, 12 * T);
+    AddSolid(room, 0, 0, 30 * T, T);
+    AddSolid(room, 0, kFloorY, 30 * T, T);
+    AddSolid(room, 0, 0, T, 7 * T);
+    AddSolid(room, 29 * T, 0, T, 7 * T);
+    AddSolid(room, T, T, 7 * T, 6 * T);       // the roof of the west passage, columns 1-7
+    AddSolid(room, 22 * T, T, 7 * T, 6 * T);  // and of the east one, columns 22-28
+    room.transitionDoors.push_back(MakeDoor(Box(0, 7 * T, T, 4 * T), "Left", 0, 4));
+    room.transitionDoors.push_back(MakeDoor(Box(29 * T, 7 * T, T, 4 * T), "Right", 1, 11));
+    room.doorSpawns.push_back({{2.5f * T, kFloorY}, 0, 0});
+    room.doorSpawns.push_back({{27.5f * T, kFloorY}, 1, 1});
+    DoorList gates;
+    gates.enemyToKill = 1;
+    for (float column : {4.0f, 25.0f}) {
+        Door gate;
+        gate.shape = Box(column * T, 7 * T, T, 4 * T);
+        gates.doors.push_back(gate);
+        room.collisions.push_back({gate.shape, COLLISION_SOLID, 0});  // open, as loaded
+    }
+    room.doorLists.push_back(gates);
+    for (float column : {6.0f, 23.0f}) {
+        room.triggers.push_back({Box(column * T, 7 * T, T, 4 * T), "Locked Door trigger", 0, 0});
+    }
+    room.enemyContainers.push_back({Box(8 * T, 5 * T, 14 * T, 6 * T + 8), 0});
+    room.enemySpawns.push_back({{15.5f * T, kFloorY}, 2, 0});
+    return room;
+}
+
+}  // namespace
+
+TEST(LevelRules, ABossIsFoughtBehindGatesThatOnlyItsDeathOpens) {
+    Room clearing = MakeBossRoom();
+    EXPECT_TRUE(CheckLevelRules(clearing).empty()) << Lines(CheckLevelRules(clearing));
+
+    const std::vector<std::pair<const char*, std::function<void(Room&)>>> breakages = {
+        {"room 10: with its locked doors shut, the boss (enemy spawn 0 (kind 2) at (1488, 1056) "
+         "[tile 15, 11]) still reaches door 1 (Right) (2784, 672, 96 x 384)",
+         [](Room& r) { r.doorLists[0].doors.pop_back(); }},
+        {"room 10: door spawn 1 at (2640, 1056) [tile 27, 11] reaches the boss (enemy spawn 0 "
+         "(kind 2) at (1488, 1056) [tile 15, 11]) past every \"Locked Door trigger\"",
+         [](Room& r) { r.triggers.pop_back(); }},
+        {"room 10: the \"Locked Door trigger\" of group 0 at (192, 672, 96 x 384) lies where the "
+         "shut doors keep no enemy that can die",
+         [](Room& r) { r.triggers[0].shape->setPosition(2 * T, 7 * T); }},
+        {"room 10: door group 0 waits for 2 kills; the room holds 1 enemy that can die: its doors "
+         "never open again",
+         [](Room& r) { r.doorLists[0].enemyToKill = 2; }},
+        {"room 10: door group 0 waits for 1 kill; the room holds 0 enemies that can die",
+         [](Room& r) { r.enemySpawns[0].enemyType = 5; }},
+        {"room 10: door group 0 waits for no kill",
+         [](Room& r) { r.doorLists[0].enemyToKill = 0; }},
+        {"room 10: door group 0 has no \"Locked Door trigger\" of its id: its doors never close",
+         [](Room& r) {
+             for (Trigger& trigger : r.triggers) trigger.value = 1;
+         }},
+        {"room 10 is a boss room without locked doors", [](Room& r) { r.doorLists.clear(); }},
+    };
+    for (const auto& [reported, damage] : breakages) {
+        Room room = MakeBossRoom();
+        damage(room);
+        std::string faults = Lines(CheckLevelRules(room));
+        EXPECT_NE(faults.find(reported), std::string::npos)
+            << "expected \"" << reported << "\" among" << faults;
+    }
+}

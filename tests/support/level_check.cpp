@@ -5,6 +5,7 @@
 #include <cmath>
 #include <optional>
 
+#include "enemies/enemies.h"
 #include "world/transition.h"
 
 namespace {
@@ -318,7 +319,203 @@ void CheckPair(const Room& here, const TransitionDoor& door, const Room& there, 
     }
 }
 
+// ---------------------------------------------------------------- locked doors
+
+const char* const kLockTrigger = "Locked Door trigger";
+const std::array<std::pair<int, int>, 4> kSteps = {{{1, 0}, {-1, 0}, {0, 1}, {0, -1}}};
+
+// The room on the tile grid: a cell is blocked when solid rock covers its centre.
+struct Grid {
+    sf::FloatRect bounds;
+    int columns = 0, rows = 0;
+    std::vector<char> blocked;
+
+    int Cell(sf::Vector2f p) const {
+        int c = int(std::floor((p.x - bounds.left) / kTile));
+        int r = int(std::floor((p.y - bounds.top) / kTile));
+        return c < 0 || r < 0 || c >= columns || r >= rows ? -1 : r * columns + c;
+    }
+    sf::Vector2f Centre(int cell) const {
+        return {bounds.left + (float(cell % columns) + 0.5f) * kTile,
+                bounds.top + (float(cell / columns) + 0.5f) * kTile};
+    }
+    void Block(const sf::FloatRect& rect) {
+        for (int cell = 0; cell < columns * rows; cell++) {
+            if (rect.contains(Centre(cell))) blocked[cell] = 1;
+        }
+    }
+};
+
+bool IsLockedDoor(const Room& room, const ShapePtr& shape) {
+    for (const DoorList& list : room.doorLists) {
+        for (const Door& door : list.doors) {
+            if (door.shape == shape) return true;
+        }
+    }
+    return false;
+}
+
+// Rock, the locked doors when `doorsShut`, and the lock triggers when `triggersBlock`.
+Grid OpenSpace(const Room& room, bool doorsShut, bool triggersBlock) {
+    Grid grid;
+    grid.bounds = Bounds(room.cameraContainer);
+    grid.columns = int(std::ceil(grid.bounds.width / kTile));
+    grid.rows = int(std::ceil(grid.bounds.height / kTile));
+    grid.blocked.assign(size_t(grid.columns * grid.rows), 0);
+    for (const Collision& collision : room.collisions) {
+        if (collision.active && collision.kind == COLLISION_SOLID &&
+            !IsLockedDoor(room, collision.shape)) {
+            grid.Block(Bounds(collision.shape));
+        }
+    }
+    for (const DoorList& list : room.doorLists) {
+        for (const Door& door : list.doors) {
+            if (doorsShut) grid.Block(Bounds(door.shape));
+        }
+    }
+    for (const Trigger& trigger : room.triggers) {
+        if (triggersBlock && trigger.name == kLockTrigger) grid.Block(Bounds(trigger.shape));
+    }
+    return grid;
+}
+
+// The cells reached from the body standing at `feet` through open cells, sideways and up and
+// down. A hero reaches less (it falls and jumps only so high), so what this misses is surely out
+// of reach.
+std::vector<char> Reach(const Grid& grid, sf::Vector2f feet) {
+    std::vector<char> reached(grid.blocked.size(), 0);
+    int start = grid.Cell({feet.x, feet.y - kTile / 2});
+    if (start < 0 || grid.blocked[start]) return reached;
+    std::vector<int> todo = {start};
+    reached[start] = 1;
+    while (!todo.empty()) {
+        int cell = todo.back();
+        todo.pop_back();
+        int c = cell % grid.columns, r = cell / grid.columns;
+        for (auto [dc, dr] : kSteps) {
+            if (c + dc < 0 || c + dc >= grid.columns || r + dr < 0 || r + dr >= grid.rows) continue;
+            int next = cell + dr * grid.columns + dc;
+            if (grid.blocked[next] || reached[next]) continue;
+            reached[next] = 1;
+            todo.push_back(next);
+        }
+    }
+    return reached;
+}
+
+bool ReachesInto(const Grid& grid, const std::vector<char>& reached, const sf::FloatRect& rect) {
+    for (size_t cell = 0; cell < reached.size(); cell++) {
+        if (reached[cell] && rect.contains(grid.Centre(int(cell)))) return true;
+    }
+    return false;
+}
+
+bool ReachesBody(const Grid& grid, const std::vector<char>& reached, sf::Vector2f feet) {
+    int cell = grid.Cell({feet.x, feet.y - kTile / 2});
+    return cell >= 0 && reached[cell];
+}
+
+bool Mortal(const EnemySpawn& enemy) {
+    return enemy.enemyType != ENEMY_PLANT && enemy.enemyType != ENEMY_GODDESS;
+}
+
+std::string EnemyName(const Room& room, size_t index) {
+    const EnemySpawn& enemy = room.enemySpawns[index];
+    return "enemy spawn " + std::to_string(index) + " (kind " + std::to_string(enemy.enemyType) +
+           ") at " + At(enemy.position);
+}
+
+void CheckGroupCounts(const Room& room, Faults& faults) {
+    int mortal = int(std::count_if(room.enemySpawns.begin(), room.enemySpawns.end(), Mortal));
+    for (const DoorList& list : room.doorLists) {
+        std::string group = RoomName(room) + ": door group " + std::to_string(list.id);
+        bool closes = std::any_of(
+            room.triggers.begin(), room.triggers.end(),
+            [&](const Trigger& t) { return t.name == kLockTrigger && t.value == list.id; });
+        if (!closes) {
+            faults.push_back(group +
+                             " has no \"Locked Door trigger\" of its id: its doors never "
+                             "close");
+        }
+        if (list.enemyToKill <= 0) {
+            faults.push_back(group + " waits for no kill: its doors open again as they shut");
+        } else if (list.enemyToKill > mortal) {
+            faults.push_back(group + " waits for " + std::to_string(list.enemyToKill) +
+                             (list.enemyToKill == 1 ? " kill" : " kills") + "; the room holds " +
+                             std::to_string(mortal) + (mortal == 1 ? " enemy" : " enemies") +
+                             " that can die: its doors never open again");
+        }
+    }
+}
+
+// A trigger must close its doors on the enemies they wait for, not between them and the hero.
+void CheckTriggerSides(const Room& room, const Grid& shut, Faults& faults) {
+    std::vector<std::vector<char>> kept;
+    for (const EnemySpawn& enemy : room.enemySpawns) {
+        if (Mortal(enemy)) kept.push_back(Reach(shut, enemy.position));
+    }
+    for (const Trigger& trigger : room.triggers) {
+        if (trigger.name != kLockTrigger) continue;
+        std::string name = RoomName(room) + ": the \"Locked Door trigger\" of group " +
+                           std::to_string(trigger.value) + " at " + RectText(Bounds(trigger.shape));
+        bool known = std::any_of(room.doorLists.begin(), room.doorLists.end(),
+                                 [&](const DoorList& list) { return list.id == trigger.value; });
+        if (!known) {
+            faults.push_back(name + " closes a group the room lacks");
+            continue;
+        }
+        bool withEnemies = std::any_of(kept.begin(), kept.end(), [&](const auto& reached) {
+            return ReachesInto(shut, reached, Bounds(trigger.shape));
+        });
+        if (!withEnemies) {
+            faults.push_back(name +
+                             " lies where the shut doors keep no enemy that can die: it "
+                             "locks the hero out of the kills that open them");
+        }
+    }
+}
+
+// The boss is shut in on every side, and nobody comes at it without shutting the doors first.
+void CheckBossShutIn(const Room& room, const Grid& shut, Faults& faults) {
+    if (room.doorLists.empty()) {
+        faults.push_back(RoomName(room) +
+                         " is a boss room without locked doors: nothing keeps "
+                         "the hero in the fight");
+        return;
+    }
+    for (size_t i = 0; i < room.enemySpawns.size(); i++) {
+        std::vector<char> reached = Reach(shut, room.enemySpawns[i].position);
+        for (const TransitionDoor& door : room.transitionDoors) {
+            if (!ReachesInto(shut, reached, Bounds(door.shape))) continue;
+            faults.push_back(RoomName(room) + ": with its locked doors shut, the boss (" +
+                             EnemyName(room, i) + ") still reaches " + DoorName(door) + " " +
+                             RectText(Bounds(door.shape)) + ": that way out stays open");
+        }
+    }
+    Grid guarded = OpenSpace(room, false, true);
+    for (const DoorSpawn& spawn : room.doorSpawns) {
+        std::vector<char> reached = Reach(guarded, spawn.position);
+        for (size_t i = 0; i < room.enemySpawns.size(); i++) {
+            if (!ReachesBody(guarded, reached, room.enemySpawns[i].position)) continue;
+            faults.push_back(RoomName(room) + ": door spawn " + std::to_string(spawn.id) + " at " +
+                             At(spawn.position) + " reaches the boss (" + EnemyName(room, i) +
+                             ") past every \"Locked Door trigger\": that fight begins with the "
+                             "doors open");
+        }
+    }
+}
+
 }  // namespace
+
+std::vector<std::string> CheckLockedDoors(const Room& room) {
+    Faults faults;
+    if (!room.cameraContainer) return faults;  // the walls' check reports it
+    CheckGroupCounts(room, faults);
+    Grid shut = OpenSpace(room, true, false);
+    CheckTriggerSides(room, shut, faults);
+    if (room.bossRoom != 0) CheckBossShutIn(room, shut, faults);
+    return faults;
+}
 
 std::vector<std::string> CheckWalls(const Room& room) {
     Faults faults;
@@ -370,7 +567,8 @@ std::vector<std::string> CheckArrivals(const Room& room) {
 
 std::vector<std::string> CheckLevelRules(const Room& room) {
     Faults faults = CheckWalls(room);
-    for (const Faults& more : {CheckStandingPoints(room), CheckArrivals(room)}) {
+    for (const Faults& more :
+         {CheckStandingPoints(room), CheckArrivals(room), CheckLockedDoors(room)}) {
         faults.insert(faults.end(), more.begin(), more.end());
     }
     return faults;

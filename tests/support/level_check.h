@@ -24,7 +24,12 @@ std::vector<std::string> CheckStandingPoints(const Room& room);
 // Door spawns outside every door rectangle, on the room's side of the door they belong to, where
 // the door's walk-in actually brings the hero.
 std::vector<std::string> CheckArrivals(const Room& room);
-// The three above.
+// Locked doors that close and open again: each group has its trigger and waits for no more kills
+// than the room's mortal enemies, and each trigger lies on their side of the shut doors. In a boss
+// room the shut doors close every way out around the boss, and every arrival steps into a trigger
+// before it can reach the boss.
+std::vector<std::string> CheckLockedDoors(const Room& room);
+// The four above.
 std::vector<std::string> CheckLevelRules(const Room& room);
 
 struct DoorToUnbuiltRoom {

@@ -50,6 +50,7 @@ MARKS = {             # single-tile decoration placed by hand, drawn in the "Dec
 HAND_GROUND = "d"     # force ground decoration here
 HAND_HANG = "v"       # force hanging decoration here
 HAND_FRONT = "*"      # a foreground silhouette here
+THICKET = "%"         # a thicket: one dark foreground mass over its cells, ragged at its open edges
 NO_DECOR = "x"        # keep this cell free of generated decoration
 PIECES = {            # chosen pieces, drawn in the "Decor" layer: (on the floor, hanging)
     "s": tc.DECO_GROUND[15],   # a standing stone with a rune
@@ -63,8 +64,8 @@ CARVINGS = {          # back-wall cells with a chosen carving, drawn in the "Bac
     "o": tc.BACK_DETAIL[5],    # an old carved face
 }
 ALPHABET = set(SOLID + AIR + BACK + ONEWAY + BRIDGE + WATER + SPIKES + TRUNK + HAND_GROUND
-               + HAND_HANG + HAND_FRONT + NO_DECOR) | set(MARKS) | set(PIECES) | set(CARVINGS) \
-    | set("ABCDEFGHIJKLMNOPQRSTUVWXYZ")
+               + HAND_HANG + HAND_FRONT + THICKET + NO_DECOR) | set(MARKS) | set(PIECES) \
+    | set(CARVINGS) | set("ABCDEFGHIJKLMNOPQRSTUVWXYZ")
 
 ENEMY_TYPES = {"frog": 0, "king": 1, "nomad": 2, "trash": 3, "slime": 4, "plant": 5,
                "knight": 6, "goddess": 7}
@@ -224,6 +225,20 @@ FRONT_POOL = {
     "City": dict(floor=[0, 1, 2, 3], hand=[4, 18], hang=[15]),
 }
 DETAIL_CHANCE = 0.3  # stones, roots and bones in the ground: rare, never side by side
+# Thicket pieces (indices into FRONT): whole, and ragged at the bottom, top, left or right.
+THICKET_WHOLE, THICKET_BOTTOM, THICKET_TOP, THICKET_LEFT, THICKET_RIGHT = 10, 11, 12, 13, 14
+
+
+def _thicket_tile(room, x, y):
+    """A thicket cell's piece: whole inside the mass, ragged where it meets open air (rock and
+    more thicket close it); a free bottom edge wins, then the top, the left and the right."""
+    def closed(dx, dy):
+        return room.cell(x + dx, y + dy) in (THICKET, SOLID)
+    for (dx, dy), piece in (((0, 1), THICKET_BOTTOM), ((0, -1), THICKET_TOP),
+                            ((-1, 0), THICKET_LEFT), ((1, 0), THICKET_RIGHT)):
+        if not closed(dx, dy):
+            return tc.FRONT[piece]
+    return tc.FRONT[THICKET_WHOLE]
 
 
 def tile_layers(room):
@@ -323,6 +338,9 @@ def tile_layers(room):
                 return options[_pick(room, x, y, salt, len(options))]
             if ch == HAND_FRONT:
                 put(front, x, y, tc.FRONT[choose(fronts["hand"], "fr")])
+                continue
+            if ch == THICKET:
+                put(front, x, y, _thicket_tile(room, x, y))
                 continue
             if on_floor:
                 if ch == HAND_GROUND or _chance(room, x, y, "g", dens["ground"]):

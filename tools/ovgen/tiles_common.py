@@ -291,12 +291,13 @@ def dim(ramp, towards, t=0.4):
     return np.asarray(ramp, float) * (1 - t) + np.asarray(towards, float) * t
 
 
-def shade_silhouette(c, m, colours):
+def shade_silhouette(c, m, colours, tiling=False):
     """A foreground silhouette: a dark base, a faint rim towards the top-left light, a darker lower
-    edge and a few specks of moonlight near the top. colours: the four tones, darkest first."""
+    edge and a few specks of moonlight near the top. colours: the four tones, darkest first.
+    A tiling piece (a mass that goes on into its neighbours) gets no rim along the tile's sides."""
     yy, xx = px.grid(T, T)
     fill(c, m, colours[1])
-    tone = px.bevel(m, 1)
+    tone = px.bevel(np.pad(m, 1, mode="edge"), 1)[1:-1, 1:-1] if tiling else px.bevel(m, 1)
     fill(c, m & (tone == 2) & (xx + yy < 44), colours[2])
     fill(c, m & (tone == 0), colours[0])
     fill(c, m & (tone == 2) & ((xx * 7 + yy * 3) % 9 == 0) & (yy < 20), colours[3])

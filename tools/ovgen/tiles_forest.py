@@ -1135,7 +1135,7 @@ def front(k):
     else:  # drifting leaves, no support
         for cx, cy, a in ((8, 9, 0.5), (20, 6, -0.4), (14, 20, 1.0), (25, 24, -0.8)):
             m |= ellipse(T, T, cx, cy, 2.6, 1.3) & ~ellipse(T, T, cx + 1, cy - 1, 1.2, 0.6)
-    return shade_silhouette(c, m, FRONT_C)
+    return shade_silhouette(c, m, FRONT_C, tiling=10 <= k <= 14)
 
 
 # ---------------------------------------------------------------- the sheet
