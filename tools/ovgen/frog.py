@@ -29,6 +29,7 @@ PATH = "Assets/Sprites/Enemies/frog.png"
 # the layout fixed in the game: label, frames, frame rate
 CLIPS = [("IDLE", 8, 6), ("JUMP", 1, 1), ("DEAD", 3, 3)]
 HURTBOX = (35, 25)
+SOLE = 1.0         # the feet rest one pixel up, so their ink line is the frame's bottom row
 
 
 def _mat(*hexes):
@@ -80,7 +81,7 @@ class Frame:
 
     def pt(self, p):
         x, y = p[0], p[1] * self.pose.roll
-        return (self.pose.at[0] + x * self.c - y * self.s, self.pose.at[1] + x * self.s + y * self.c)
+        return (self.pose.at[0] + x * self.c - y * self.s, SOLE + self.pose.at[1] + x * self.s + y * self.c)
 
     def ang(self, a):
         return (a if self.pose.roll >= 0 else -a) + self.pose.turn
@@ -92,7 +93,7 @@ class Frame:
 def local(p, at, turn):
     """The toad-frame point that `Frame` puts at rig point p (upright)."""
     c, s = math.cos(math.radians(turn)), math.sin(math.radians(turn))
-    x, y = p[0] - at[0], p[1] - at[1]
+    x, y = p[0] - at[0], p[1] - at[1] - SOLE
     return (x * c + y * s, -x * s + y * c)
 
 

@@ -108,11 +108,12 @@ class Blob(Key):
 
 
 CROWN = 0.8        # the dome's top, as a share of the height; the tip rises above it
+SOLE = 1.0         # the jelly sits one pixel up, so its ink line is the frame's bottom row
 
 
 def _profile(p, y):
     """The dome's centre line and half-width at heights y (arrays)."""
-    t = np.clip(y / p.h, 0.0, 1.0)
+    t = np.clip((y - SOLE) / p.h, 0.0, 1.0)
     centre = p.shift + p.lean * t ** 1.5
     s = np.clip(t / CROWN, 0.0, 1.0)
     dome = np.clip(1.0 - s ** 2.3, 0.0, 1.0) ** 0.55
@@ -122,8 +123,8 @@ def _profile(p, y):
 
 def _at(p, t, u):
     """Rig point at height share t, across share u (1: the front edge, -1: the back edge)."""
-    c, hw = _profile(p, np.array([t * p.h]))
-    return (float(c[0] + u * hw[0]), t * p.h)
+    c, hw = _profile(p, np.array([SOLE + t * p.h]))
+    return (float(c[0] + u * hw[0]), SOLE + t * p.h)
 
 
 def face(p):
@@ -135,7 +136,7 @@ def launch_point(p, cv):
     """The pixel the gob leaves from: the front of the open mouth, so that the game's gob bursts
     out between the lips."""
     mouth = face(p)[2]
-    return cv.pixel(_at(p, mouth[1] / p.h, 0.82))
+    return cv.pixel(_at(p, (mouth[1] - SOLE) / p.h, 0.82))
 
 
 # ---------------------------------------------------------------- building
@@ -143,7 +144,7 @@ def launch_point(p, cv):
 
 def _jelly_mask(p, cv):
     c, hw = _profile(p, cv.y)
-    mask = (cv.y >= 0) & (np.abs(cv.x - c) <= hw) & (cv.y <= CROWN * p.h)
+    mask = (cv.y >= SOLE) & (np.abs(cv.x - c) <= hw) & (cv.y <= SOLE + CROWN * p.h)
     if p.dead >= 0.5:
         return mask
     # the tip: drawn up out of the crown in a fillet, curling back
@@ -203,8 +204,8 @@ def build(look):
 
         # the belly glow that gathers before the spit
         if p.glow > 0:
-            gc = _at(p, p.glow_y, -0.3 + 0.75 * p.glow)
-            g = cv.ellipse(gc, 1.6 + 2.2 * p.glow, 1.5 + 2.0 * p.glow) & px.erode(jelly)
+            gc = _at(p, p.glow_y, -0.35 + 0.55 * p.glow)
+            g = cv.ellipse(gc, 1.6 + 2.0 * p.glow, 1.4 + 1.5 * p.glow) & px.erode(jelly)
             glow = rig.Material(L["jelly"].ink, *[tuple(c) for c in L["glow"]], tuple(L["glow"][2]))
             gp = Part("glow", g, glow, "body", outline=False)
             gp.tone = np.where(g, 0, -1)
@@ -262,6 +263,8 @@ def build(look):
 
 
 def _mouth(cv, p, c):
+    if p.glow > 0.5:        # pressed shut on the gathering gob
+        return cv.capsule(rig.add(c, (-0.6, 0.2)), rig.add(c, (1.4, 0.2)), 0.5)
     if p.mouth <= 0.05:
         # a wide, sly grin that turns up at the front
         m = cv.capsule(rig.add(c, (-2.2, 0.5)), rig.add(c, (0.4, -0.4)), 0.5)
@@ -390,10 +393,10 @@ def walk():
 
 def attack():
     """Notice, gather (the glow rises: tell), squash, spit on the launch frame, recoil, wobble."""
-    notice = REST.but(w=15.8, h=27.5, lean=-0.5, tip=8.0, eyes=1.0, glow=0.3, glow_y=0.22)
-    gather = REST.but(w=18.0, h=23.5, lean=-1.5, tip=14.0, glow=0.7, glow_y=0.28, tags=("tell",))
-    squash = REST.but(w=19.0, h=21.0, lean=-2.5, tip=22.0, glow=1.0, glow_y=0.34, tags=("tell",))
-    spit = REST.but(w=14.2, h=30.5, lean=4.5, tip=-28.0, mouth=1.0, spray=1.0, glow=0.0,
+    notice = REST.but(w=15.6, h=27.5, lean=-0.5, tip=8.0, eyes=1.0, glow=0.3, glow_y=0.2)
+    gather = REST.but(w=17.0, h=23.5, lean=-1.5, tip=14.0, glow=0.7, glow_y=0.22, tags=("tell",))
+    squash = REST.but(w=17.6, h=21.5, lean=-2.5, tip=22.0, glow=1.0, glow_y=0.26, tags=("tell",))
+    spit = REST.but(w=14.2, h=29.5, lean=4.5, tip=-28.0, mouth=1.0, spray=1.0, glow=0.0,
                     tags=("tell", "flash"))
     recoil = REST.but(w=15.0, h=28.5, lean=-2.5, tip=24.0, mouth=0.5, spray=0.0,
                       drops=((10.0, 20.0, 0.9),))
@@ -406,7 +409,7 @@ def attack():
 
 def dead():
     """Struck: it quivers up, caves in, splats flat with a spray of drops and melts into a puddle."""
-    up = REST.but(w=14.5, h=29.5, lean=-2.0, tip=30.0, eyes=0.0, mouth=0.6)
+    up = REST.but(w=14.5, h=28.5, lean=-2.0, tip=30.0, eyes=0.0, mouth=0.6)
     cave = REST.but(w=18.5, h=18.0, lean=1.0, tip=-30.0, eyes=0.0, mouth=0.3, lip=0.16)
     splat = REST.but(w=18.0, h=10.0, lip=0.2, dead=1.0,
                      drops=((-14.0, 16.0, 1.2), (9.0, 19.0, 1.0), (17.0, 12.0, 0.9), (-4.0, 21.0, 0.9)))

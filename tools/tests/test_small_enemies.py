@@ -44,6 +44,14 @@ def tell_pixels(frame, calm_frames):
     return int((opaque(frame) & (luminance(frame[..., :3]) > brightest(calm_frames) + 4)).sum())
 
 
+def iou(a, b):
+    return (a & b).sum() / max((a | b).sum(), 1)
+
+
+def used_frames(grid, counts):
+    return [f for row, n in zip(grid, counts) for f in row[:n]]
+
+
 class SheetCase(unittest.TestCase):
     def assertLayout(self, img, fw, fh, counts, what):
         """Width = frame width x the longest clip, one row per clip, every used frame drawn, every
@@ -88,13 +96,10 @@ class SlimeTest(SheetCase):
         masks = {}
         for name in LOOKS:
             self.assertLayout(picture(SLIME + name), self.fw, self.fh, self.counts, name)
-            masks[name] = np.stack([opaque(f) for row, n in zip(self.grids[name], self.counts)
-                                    for f in row[:n]])
-        base = masks[LOOKS[0]]
+            masks[name] = [opaque(f) for f in used_frames(self.grids[name], self.counts)]
         for name in LOOKS[1:]:
-            inter = (base & masks[name]).sum(axis=(1, 2))
-            union = np.maximum((base | masks[name]).sum(axis=(1, 2)), 1)
-            self.assertGreater((inter / union).min(), 0.85, f"{name} is posed differently")
+            for a, b in zip(masks[LOOKS[0]], masks[name]):
+                self.assertGreater(iou(a, b), 0.85, f"{name} is posed differently")
 
     def test_body_stands_on_the_bottom_centre_and_fills_its_hurtbox(self):
         hurt_w = 0.7 * self.fw
@@ -110,7 +115,7 @@ class SlimeTest(SheetCase):
                         self.assertLessEqual(abs((right - left + 1) - hurt_w), 6, "body and hurtbox differ")
                         if row == 0:    # the hurtbox is the frame's height: crop it to the slime
                             self.assertLessEqual(top, self.fh // 4, "the frame is taller than the slime")
-            tallest = min(bbox(opaque(f))[0] for row, n in zip(self.grids[name], self.counts) for f in row[:n])
+            tallest = min(bbox(opaque(f))[0] for f in used_frames(self.grids[name], self.counts))
             self.assertLessEqual(tallest, 2, "the frame is taller than the slime ever stands")
             dead = self.grids[name][3][self.counts[3] - 1]
             self.assertLess(self.fh - bbox(opaque(dead))[0], self.fh // 2, "the held dead frame still stands")
@@ -123,6 +128,21 @@ class SlimeTest(SheetCase):
                 near = opaque(spit)[self.py - 1:self.py + 2, self.px - 1:self.px + 2]
                 self.assertTrue(near.any(), "the launch point is off the body")
                 self.assertGreaterEqual(tell_pixels(spit, self.grids[name][0][:self.counts[0]]), 5)
+
+
+    def test_each_look_wears_its_region(self):
+        def mean_rgb(img):
+            return img[opaque(img)][:, :3].astype(float).mean(axis=0)
+        r, g, b = mean_rgb(picture(SLIME + LOOKS[0]))
+        self.assertTrue(g > r + 20 and g > b + 20, "the forest slime is not green")
+        r, g, b = mean_rgb(picture(SLIME + LOOKS[1]))
+        self.assertTrue(r > g + 10 and b > g + 10, "the undead slime is not violet")
+        r, g, b = mean_rgb(picture(SLIME + LOOKS[2]))
+        self.assertTrue(b > r + 40 and b > g + 10, "the city slime is not blue")
+        r, g, b = mean_rgb(picture(SLIME + GOBS[0]))
+        self.assertGreater(g, b + 20, "the forest gob is not green")
+        r, g, b = mean_rgb(picture(SLIME + GOBS[1]))
+        self.assertGreater(b, g + 10, "the city gob is not blue")
 
 
 class SlimeGobTest(unittest.TestCase):
@@ -240,9 +260,50 @@ class PlantTest(SheetCase):
 
     def test_close_ends_where_idle_begins(self):
         end = opaque(self.grid[2][self.counts[2] - 1])
-        start = opaque(self.grid[0][0])
-        self.assertGreater((end & start).sum() / (end | start).sum(), 0.6, "the trap jumps back into place")
+        self.assertGreater(iou(end, opaque(self.grid[0][0])), 0.6, "the trap jumps back into place")
 
 
 if __name__ == "__main__":
     unittest.main()
+
+
+class DrawingTest(unittest.TestCase):
+    """The pixel-art rules every sheet keeps, so each reads on both regions' dark backgrounds."""
+    SHEETS = [(SLIME + n, 52, 32) for n in LOOKS] + [(SLIME + n, 22, 22) for n in GOBS] + [
+        (FROG, 64, 48), (PLANT + "PlantTrap.png", 168, 146)]
+
+    def test_hard_pixels_with_a_dark_outline(self):
+        for rel, _, _ in self.SHEETS:
+            with self.subTest(sheet=rel):
+                img = picture(rel)
+                self.assertTrue(set(np.unique(img[..., 3])) <= {0, 255}, "soft, half-clear pixels")
+                m = opaque(img)
+                pad = np.pad(m, 1)
+                edge = m & ~(pad[:-2, 1:-1] & pad[2:, 1:-1] & pad[1:-1, :-2] & pad[1:-1, 2:])
+                dark = luminance(img[..., :3])[edge] < 60
+                self.assertGreater(dark.mean(), 0.85, "the silhouette has no ink outline")
+
+    def test_light_comes_from_the_top_left(self):
+        """A sheet mirrored to face right would keep its art but carry its light on the right."""
+        for rel, fw, fh in [(SLIME + LOOKS[0], 52, 32), (FROG, 64, 48)]:
+            with self.subTest(sheet=rel):
+                f = picture(rel)[:fh, :fw]
+                m = opaque(f)
+                top, bottom, left, right = bbox(m)
+                lum = luminance(f[..., :3])
+                cx, cy = (left + right) / 2, (top + bottom) / 2
+                ys, xs = np.mgrid[0:fh, 0:fw]
+                lit = lum[m & (xs < cx) & (ys < cy)].mean()
+                shade = lum[m & (xs > cx) & (ys > cy)].mean()
+                self.assertGreater(lit, shade + 10)
+
+    def test_looping_clips_join_without_a_jump(self):
+        loops = [(picture(SLIME + n), 52, 32, (0, 1)) for n in LOOKS] + [(picture(FROG), 64, 48, (0,)),
+                                                                       (picture(PLANT + "PlantTrap.png"), 168, 146, (0,))]
+        for img, fw, fh, rows in loops:
+            grid = cells(img, fw, fh)
+            for row in rows:
+                frames = [f for f in grid[row] if f[..., 3].any()]
+                with self.subTest(size=(fw, fh), row=row):
+                    for a, b in zip(frames, frames[1:] + frames[:1]):
+                        self.assertGreater(iou(opaque(a), opaque(b)), 0.75, "a loop frame jumps")
