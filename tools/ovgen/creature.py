@@ -10,7 +10,6 @@
   with boxes (hurtbox, attack box) and points (launch point) drawn on it.
 """
 from dataclasses import dataclass, fields, replace
-import math
 
 import numpy as np
 from PIL import Image, ImageDraw, ImageFont
@@ -201,23 +200,6 @@ def star(img, c, colours, size, clamp=True):
         if 0 <= x < w and 0 <= y < h:
             img[y, x, :3] = colours[tone]
             img[y, x, 3] = 255
-
-
-def paint_mask(img, mask, colour):
-    """Hard-paint an opaque colour into a uint8 RGBA frame."""
-    img[mask, :3] = colour
-    img[mask, 3] = 255
-
-
-def disc(h, w, cx, cy, r):
-    """A disc on pixel centres (picture coordinates)."""
-    return px.disc_mask(h, w, cx, cy, r)
-
-
-def ring_points(n, radius, start=0.0):
-    """n points around a circle (picture coordinates, angle 0 = up, clockwise)."""
-    return [(radius * math.sin(math.radians(start + 360.0 * k / n)),
-             -radius * math.cos(math.radians(start + 360.0 * k / n))) for k in range(n)]
 
 
 # ---------------------------------------------------------------- review sheets

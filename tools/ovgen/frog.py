@@ -20,7 +20,7 @@ import numpy as np
 
 from . import pixel as px
 from . import rig
-from .creature import Key, SheetRow, compose, pose_sheet, relief_tone, star, timeline
+from .creature import Key, SheetRow, compose, pose_sheet, relief_tone, star
 from .rig import Part
 
 FW, FH = 64, 48
@@ -116,7 +116,8 @@ def _leg(cv, fr, hip, knee, heel, toe, scale=1.0):
 
 def _arm(cv, fr, shoulder, elbow, hand, scale=1.0):
     P = fr.pt
-    arm = cv.capsule(P(shoulder), P(elbow), 2.0 * scale, 1.5 * scale) | cv.capsule(P(elbow), P(hand), 1.5 * scale, 1.1 * scale)
+    arm = (cv.capsule(P(shoulder), P(elbow), 2.0 * scale, 1.5 * scale)
+           | cv.capsule(P(elbow), P(hand), 1.5 * scale, 1.1 * scale))
     d = (hand[0] - elbow[0], hand[1] - elbow[1])
     a = math.atan2(d[1], d[0])
     for spread in (-0.6, 0.0, 0.6):
@@ -153,7 +154,6 @@ def build(p, cv):
     tone = relief_tone(mass | bump, 8, cuts=(0.4, 0.64, 0.92), depth=0.9)
     body.tone = tone
     # belly and throat: cream under a line from the chin back along the flank
-    chin = P(rig.add(head_c, (6.0, -3.6)))
     belly_line = [P((-15.0, 3.0)), P((-6.0, 4.0)), P((4.0, 5.5)), P(rig.add(head_c, (9.0, -2.6))),
                   P(rig.add(head_c, (12.0, -12.0))), P((-16.0, -8.0))]
     belly = cv.polygon(belly_line) & mass & px.erode(mass | px.shift(mass, 0, 1))

@@ -107,7 +107,7 @@ def _lobe(cv, p, side):
     lip = cv.polygon(lip_pts + [tip, h]) & body
     # veins fanning from the hinge over the outer face
     veins = np.zeros_like(body)
-    for k, (a, ln) in enumerate(((0.3, 0.8), (0.55, 0.9), (0.8, 0.7))):
+    for a in (0.3, 0.55, 0.8):
         q = add(add(h, d, L * a), n, W * 0.75 * math.sin(math.pi * a))
         veins |= cv.capsule(add(h, d, 6.0), q, 0.5) & px.erode(body)
     # teeth along the rim, raked towards the tip, pointing at the other lobe; the two lobes'
@@ -255,7 +255,7 @@ def build(p, cv):
 
 def render(p):
     cv = rig.Canvas(FW, FH)
-    parts, lobes = build(p, cv)
+    parts, _ = build(p, cv)
     img = compose(parts, FW, FH)
     if "flash" in p.tags:    # the snap: flashes on the seam where the teeth meet
         h = _hinge(p)

@@ -6,7 +6,7 @@ and docs/slime_poses.png.
 The three looks share one shape and one timing, so one data file serves them all: an onion-shaped
 jelly with a curled tip, a lip of goo at its base and a face on its front (the left: the sheets
 look left). Each look fills the jelly with its own insides:
-- forest: moss-green jelly with a dark core and rising bubbles, firefly-yellow eyes;
+- forest: moss-green jelly with rising bubbles and a sprout on its back, firefly-yellow eyes;
 - necro: bruised violet jelly around a drowned skull whose sockets burn ghost-green;
 - city: lamp-blue jelly around a swallowed verdigris cog, ember eyes.
 
@@ -56,7 +56,7 @@ LOOKS = {
         "jelly": _mat("#0d1f0c", "#2f6a24", "#4e9c30", "#86cc44", "#d6f48a"),
         "core": _mat("#0d1f0c", "#22501c", "#2f6a24", "#3f8a2a", "#4e9c30"),
         "eye": _mat("#0b1208", "#e0a020", "#ffd84a", "#fff3a0", "#ffffff"),
-        "moss": _mat("#0b1608", "#3d5a1c", "#6a8a2a", "#9cb84a", "#c8e070"),
+        "moss": _mat("#0b1608", "#2e5a1c", "#4a8a2a", "#7cc04a", "#b8e070"),
         "drop": _mat("#0d1f0c", "#2f6a24", "#4e9c30", "#86cc44", "#d6f48a"),
         "tell": [px.rgb(h) for h in ("#ffffff", "#fff6b0", "#ffd84a", "#d89a1e")],
         "glow": px.ramp("#c8f07a", "#f2ffb8", "#ffffff"),
@@ -173,10 +173,7 @@ def build(look):
         parts = []
         jelly = _jelly_mask(p, cv)
         jp = Part("jelly", jelly, L["jelly"], "body")
-        tone = relief_tone(jelly, 10, cuts=(0.42, 0.66, 0.93), depth=0.9)
-        # the darker core seen through the jelly, low and towards the back
-        core = cv.ellipse(_at(p, 0.32, -0.18), p.w * 0.52, p.h * 0.26) & px.erode(px.erode(jelly))
-        tone[core & (tone == 1)] = 0
+        tone = relief_tone(jelly, 11, cuts=(0.3, 0.64, 0.9), depth=0.5)
         jp.tone = tone
         eye_n, eye_f, mouth_c = face(p)
         alive = 1.0 - p.dead
@@ -326,12 +323,19 @@ def _skull(cv, p, L, jelly):
         for dx in (1.6, -1.8):
             part.details.append((cv.ellipse(rig.add(_at(p, 0.55, 0.1), (dx, 0.2)), 1.1, 0.8) & skull, "ink"))
         parts.append(part)
-    # a rib floating behind it
-    rib = cv.capsule(_at(p, 0.2, -0.6), _at(p, 0.42, -0.28), 0.75) & inside
-    rib |= cv.capsule(_at(p, 0.42, -0.28), _at(p, 0.5, -0.12), 0.6) & inside
-    rp = Part("rib", rib, L["bone"], "body")
-    rp.tone = np.where(rib, 0, -1)
-    rp.tone[rib & ~px.shift(rib, 1, 0)] = 1
+    # a bone drifting behind it, knobbed at both ends
+    a, b = _at(p, 0.3, -0.62), _at(p, 0.5, -0.3)
+    bone = cv.capsule(a, b, 0.6)
+    for end, toward in ((a, b), (b, a)):
+        d = (end[0] - toward[0], end[1] - toward[1])
+        ln = math.hypot(*d) or 1.0
+        nrm = (-d[1] / ln, d[0] / ln)
+        bone |= cv.ellipse(rig.add(end, nrm, 0.8), 0.9, 0.9) | cv.ellipse(rig.add(end, nrm, -0.8), 0.9, 0.9)
+    bone &= px.erode(jelly)
+    rp = Part("bone", bone, L["bone"], "body")
+    rp.tone = np.where(bone, 1, -1)
+    rp.tone[bone & ~px.shift(bone, 1, 1)] = 2
+    rp.tone[bone & ~px.shift(bone, -1, -1)] = 0
     parts.append(rp)
     return parts
 
@@ -354,13 +358,19 @@ def _cog(cv, p, L, jelly):
 
 
 def _moss(cv, p, L, jelly):
-    """A tuft of moss and a leaf riding on the back."""
-    a = _at(p, 0.72, -0.55)
-    m = (cv.ellipse(a, 3.2, 1.4, -35.0 + p.lean * 3) | cv.ellipse(rig.add(a, (-2.0, -1.6)), 2.0, 1.1, -50.0))
-    m &= jelly & ~px.erode(px.erode(jelly))
-    part = Part("moss", m, L["moss"], "moss")
-    part.tone = np.where(m, 1, -1)
-    part.tone[m & ~px.shift(m, 1, 0)] = 2
+    """A sprout of two leaves growing out of the back, swaying with the jelly."""
+    if p.dead >= 0.5:
+        return []
+    root = _at(p, 0.62, -0.62)
+    sway = 0.6 * p.tip - 2.0 * p.lean
+    stem_top = rig.add(root, rig.vec(120.0 + sway, 3.2))
+    stem = cv.capsule(root, stem_top, 0.6, 0.5)
+    leaves = (cv.ellipse(rig.add(stem_top, rig.vec(150.0 + sway, 1.9)), 2.2, 1.0, 150.0 + sway)
+              | cv.ellipse(rig.add(stem_top, rig.vec(60.0 + sway, 1.7)), 1.9, 0.9, 60.0 + sway))
+    part = Part("sprout", (stem | leaves) & ~px.erode(jelly), L["moss"], "sprout")
+    part.tone = np.where(part.mask, 1, -1)
+    part.tone[part.mask & ~px.shift(part.mask, 1, 0)] = 2
+    part.tone[stem & part.mask] = 0
     return [part]
 
 
@@ -489,7 +499,7 @@ def shot_frames(look):
     for k, (bw, bh, arm, aw, bulb, dd, dr, flash) in enumerate(SPLASH):
         cy = WALL + 0.6 * bh
         mask = _disc(xs, ys, c, cy, bw, bh)
-        for j, (a, share) in enumerate(ARMS):
+        for a, share in ARMS:
             ar = math.radians(a)
             d = (math.sin(ar), math.cos(ar))
             base = (c + d[0] * bw * 0.7, cy + d[1] * bh * 0.7)
@@ -598,10 +608,6 @@ def check(text, sheets, clips):
 def _hurtbox(col):
     w = 0.7 * FW
     return [((FW - w) / 2, 0, (FW + w) / 2, FH, (70, 70, 80, 255))]
-
-
-def _hitbox(col):
-    return [(PW / 2 - 5, PW / 2 - 5, PW / 2 + 5, PW / 2 + 5, (120, 50, 50, 255))]
 
 
 def write_pose_sheet(clips, shots, launch, out):

@@ -298,8 +298,8 @@ class DrawingTest(unittest.TestCase):
                 self.assertGreater(lit, shade + 10)
 
     def test_looping_clips_join_without_a_jump(self):
-        loops = [(picture(SLIME + n), 52, 32, (0, 1)) for n in LOOKS] + [(picture(FROG), 64, 48, (0,)),
-                                                                       (picture(PLANT + "PlantTrap.png"), 168, 146, (0,))]
+        loops = [(picture(SLIME + n), 52, 32, (0, 1)) for n in LOOKS]
+        loops += [(picture(FROG), 64, 48, (0,)), (picture(PLANT + "PlantTrap.png"), 168, 146, (0,))]
         for img, fw, fh, rows in loops:
             grid = cells(img, fw, fh)
             for row in rows:
