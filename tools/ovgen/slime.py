@@ -186,9 +186,9 @@ def build(look):
             jp.details.append((bub, 2))
             jp.details.append((bub & ~px.shift(bub, 1, 1), 3))
         if p.dead < 0.5:
-            spec = cv.ellipse(_at(p, 0.66, 0.42), 1.6, 0.8, 35.0)
-            spec |= cv.ellipse(_at(p, 0.5, 0.78), 0.6, 0.6)
-            jp.details.append((spec & px.erode(jelly), 3))
+            gloss = cv.ellipse(_at(p, 0.66, 0.42), 1.6, 0.8, 35.0)
+            gloss |= cv.ellipse(_at(p, 0.5, 0.78), 0.6, 0.6)
+            jp.details.append((gloss & px.erode(jelly), 3))
         parts.append(jp)
 
         # each look's insides
@@ -491,11 +491,11 @@ def shot_frames(look):
     L = LOOKS[look]
     ys, xs = px.grid(PW, PW)
     c = PW / 2
-    # in flight: a round head on the hitbox, a short tail and two specks trailing behind
+    # in flight: a round head on the hitbox, a short tail and two flecks trailing behind
     head = _disc(xs, ys, c, c, 4.6, 4.8)
     tail = _segment(xs, ys, (c, c + 2.0), (c + 0.6, c + 7.6), 3.2, 0.6)
-    specks = _disc(xs, ys, c - 1.5, c + 8.0, 0.8) | _disc(xs, ys, c + 1.4, c + 8.6, 0.6)
-    frames = [_shade_shot(head | tail | specks, L, [(c - 1.2, c - 1.0, 2.6)])]
+    flecks = _disc(xs, ys, c - 1.5, c + 8.0, 0.8) | _disc(xs, ys, c + 1.4, c + 8.6, 0.6)
+    frames = [_shade_shot(head | tail | flecks, L, [(c - 1.2, c - 1.0, 2.6)])]
     for k, (bw, bh, arm, aw, bulb, dd, dr, flash) in enumerate(SPLASH):
         cy = WALL + 0.6 * bh
         mask = _disc(xs, ys, c, cy, bw, bh)

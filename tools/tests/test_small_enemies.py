@@ -130,6 +130,15 @@ class SlimeTest(SheetCase):
                 self.assertGreaterEqual(tell_pixels(spit, self.grids[name][0][:self.counts[0]]), 5)
 
 
+    def test_launch_frame_is_the_spit_after_a_squash(self):
+        """A launch frame one off would fire the gob from a squashed or settling slime."""
+        for name in LOOKS:
+            with self.subTest(look=name):
+                tops = [bbox(opaque(f))[0] for f in self.grids[name][2][:self.counts[2]]]
+                rest = min(bbox(opaque(f))[0] for f in self.grids[name][0][:self.counts[0]])
+                self.assertEqual(tops[self.launch - 1], min(tops), "the spit is not the attack's stretch")
+                self.assertGreater(tops[self.launch - 2], rest, "no squash before the spit")
+
     def test_each_look_wears_its_region(self):
         def mean_rgb(img):
             return img[opaque(img)][:, :3].astype(float).mean(axis=0)
@@ -257,6 +266,16 @@ class PlantTest(SheetCase):
         self.assertGreater(m[y0:, x0:x1].sum() / m.sum(), 0.85, "the jaws close outside their box")
         self.assertLessEqual(bbox(m)[0], y0 + 25, "the jaws do not rise over the hero")
         self.assertGreaterEqual(tell_pixels(snap, self.grid[0][:self.counts[0]]), 5, "no tell on the snap")
+
+    def test_bite_lands_on_the_frame_the_jaws_shut(self):
+        """One frame early the jaws are still a wide V, empty down the middle; the bite must be
+        the first frame they meet there."""
+        def seam(f):
+            mid = self.FW // 2
+            return opaque(f)[PLANT_GROUND - 60:PLANT_GROUND - 20, mid - 2:mid + 3].mean()
+        seams = [seam(f) for f in self.grid[1][:self.bite]]
+        self.assertGreater(seams[-1], 0.9, "the jaws are open on the bite")
+        self.assertTrue(all(v < 0.3 for v in seams[:-1]), "the jaws shut before the bite")
 
     def test_close_ends_where_idle_begins(self):
         end = opaque(self.grid[2][self.counts[2] - 1])
