@@ -221,15 +221,7 @@ def build(p, cv):
 
     # the eye: a gold ball in its bump, a black slot for a pupil, a lid
     if p.eyes > 0.3:
-        ball = cv.ellipse(rig.add(eye_c, (0.3, 0.1)), 2.7, 2.6 * min(1.0, p.eyes))
-        ep = Part("eye", ball, EYE, "eye")
-        ep.tone = np.where(ball, 1, -1)
-        ep.tone[ball & ~px.shift(ball, 1, 0)] = 2
-        ep.tone[ball & ~px.shift(ball, -1, 0)] = 0
-        pupil = cv.ellipse(rig.add(eye_c, (0.7, 0.0)), 1.7, 0.8 * min(1.0, p.eyes)) & ball
-        ep.details.append((pupil, "ink"))
-        ep.details.append((cv.ellipse(rig.add(eye_c, (-0.4, 1.2)), 0.55, 0.55) & ball & ~pupil, 3))
-        parts.append(ep)
+        parts.append(_eyeball(cv, eye_c))
     elif p.eyes >= 0:
         lid = cv.capsule(rig.add(eye_c, (-2.2, 0.2)), rig.add(eye_c, (2.4, 0.0)), 0.5)
         body.details.append((lid & bump, "ink"))
@@ -238,6 +230,34 @@ def build(p, cv):
              | cv.capsule(rig.add(eye_c, (-1.6, 1.6)), rig.add(eye_c, (1.6, -1.6)), 0.45))
         body.details.append((x & bump, "ink"))
     return parts, eye_c
+
+
+# the eye, stamped on the pixel grid so it keeps its shape from frame to frame:
+# light rim (2), gold (1), shaded rim (0), the slot of the pupil (p), a glint (g)
+EYE_STAMP = [".222.",
+             "2g112",
+             "1ppp1",
+             "01110",
+             ".000."]
+
+
+def _eyeball(cv, eye_c):
+    ex, ey = cv.pixel(rig.add(eye_c, (0.3, 0.1)))
+    mask = np.zeros((cv.h, cv.w), bool)
+    tone = np.full((cv.h, cv.w), -1)
+    pupil = np.zeros_like(mask)
+    for dy, row in enumerate(EYE_STAMP):
+        for dx, ch in enumerate(row):
+            y, x = ey + dy - 2, ex + dx - 2
+            if ch == "." or not (0 <= y < cv.h and 0 <= x < cv.w):
+                continue
+            mask[y, x] = True
+            tone[y, x] = {"g": 3, "p": 1}.get(ch, int(ch) if ch.isdigit() else 1)
+            pupil[y, x] = ch == "p"
+    ep = Part("eye", mask, EYE, "eye")
+    ep.tone = tone
+    ep.details.append((pupil, "ink"))
+    return ep
 
 
 def render(pose):
