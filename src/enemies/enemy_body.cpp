@@ -4,6 +4,22 @@
 
 #include "enemies/enemies.h"
 #include "world/room.h"
+#include "world/room_draw.h"
+
+AnimData FixedSheet(sf::Vector2i frameSize, std::span<const FixedClipSpec> clips) {
+    AnimData data;
+    data.frameSize = frameSize;
+    for (size_t i = 0; i < clips.size(); i++) {
+        Animation clip;
+        clip.frameCount = clips[i].frames;
+        clip.frameRate = clips[i].frameRate;
+        clip.frameRect = sf::IntRect(0, int(i) * frameSize.y, frameSize.x, frameSize.y);
+        clip.loop = clips[i].loop;
+        data.clips.push_back(clip);
+    }
+    data.damageFrames.assign(clips.size(), 0);
+    return data;
+}
 
 void LoadEnemySheet(EnemySheet& sheet, const char* texturePath, const char* animPath,
                     std::span<const AnimClipSpec> clips,
@@ -103,7 +119,14 @@ bool TouchesSolid(const sf::FloatRect& box) {
     return false;
 }
 
+bool BoxBlocked(const sf::FloatRect& box, int containerId) {
+    return TouchesSolid(box) || ClampToContainer(nullptr, CLAMP_SHAPE, box, false, containerId);
+}
+
 bool ProbeBlocked(const sf::FloatRect& probe, sf::Vector2f point, int containerId) {
-    return TouchesSolid(probe) || !ContainerContains(point, containerId) ||
-           ClampToContainer(nullptr, CLAMP_SHAPE, probe, false, containerId);
+    return BoxBlocked(probe, containerId) || !ContainerContains(point, containerId);
+}
+
+void DrawHitbox(sf::RenderTarget& target, const sf::Shape& shape) {
+    if (DebugOverlay()) target.draw(shape);
 }

@@ -30,6 +30,17 @@ struct EnemySheet {
     bool read = false;
 };
 
+// One row of a sheet whose layout is fixed in code rather than read from a file.
+struct FixedClipSpec {
+    unsigned frames;
+    unsigned frameRate;
+    int loop;
+};
+
+// The clips of a sheet laid out in code: clip i is row i of `frameSize` frames from (0, 0); no
+// damage frames.
+AnimData FixedSheet(sf::Vector2i frameSize, std::span<const FixedClipSpec> clips);
+
 // Loads a kind's texture and reads its animation data file (a missing file leaves it unread).
 void LoadEnemySheet(EnemySheet& sheet, const char* texturePath, const char* animPath,
                     std::span<const AnimClipSpec> clips,
@@ -61,8 +72,13 @@ bool FacesRight(const EnemyBody& body, bool sheetFacesLeft);
 void FaceRight(EnemyBody& body, bool right, bool sheetFacesLeft);
 sf::Vector2f BodyPosition(const EnemyBody& body);
 
+// A box touches a solid wall or sticks out of the arena.
+bool BoxBlocked(const sf::FloatRect& box, int containerId);
 // A probe ahead of a walker is blocked when it touches a solid wall, or its point or box leaves
 // the walker's arena.
 bool ProbeBlocked(const sf::FloatRect& probe, sf::Vector2f point, int containerId);
 // A box touches any active solid collision of the room.
 bool TouchesSolid(const sf::FloatRect& box);
+
+// Draws a hurtbox, attack box or probe while the hitbox display is on.
+void DrawHitbox(sf::RenderTarget& target, const sf::Shape& shape);
