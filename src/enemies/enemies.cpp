@@ -7,6 +7,8 @@
 #include "common/log.h"
 #include "common/motion.h"
 #include "enemies/enemy_body.h"
+#include "enemies/nomad.h"
+#include "enemies/plant.h"
 #include "enemies/trash.h"
 #include "hud/player_hud.h"
 #include "interactables/money.h"
@@ -21,7 +23,9 @@ namespace {
 // The roster's table, in kind order. A kind not built yet has no row.
 std::array<const EnemyKindOps*, ENEMY_KIND_COUNT> MakeKinds() {
     std::array<const EnemyKindOps*, ENEMY_KIND_COUNT> kinds{};
+    kinds[ENEMY_NOMAD] = &NomadKind();
     kinds[ENEMY_TRASH] = &TrashKind();
+    kinds[ENEMY_PLANT] = &PlantKind();
     return kinds;
 }
 
