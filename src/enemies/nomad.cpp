@@ -196,6 +196,12 @@ void UpdateWalk(Nomad& nomad, float dt, sf::Vector2f target) {
     }
 }
 
+// A dash that has run its length goes no further, even while the Nomad is still making up its
+// mind about what comes next.
+bool DashCovered(const Nomad& nomad) {
+    return std::fabs(X(nomad) - nomad.dashStart) > kDashLength;
+}
+
 // Backwards, away from the hero, until 300 px are covered or the way behind is shut.
 void UpdateEscape(Nomad& nomad, float dt, sf::Vector2f target) {
     if (nomad.blocked) {
@@ -203,10 +209,9 @@ void UpdateEscape(Nomad& nomad, float dt, sf::Vector2f target) {
         Decide(nomad, target, dt);
         return;
     }
-    nomad.body.sprite->move((Right(nomad) ? -kDashSpeed : kDashSpeed) * dt, 0);
-    if (std::fabs(X(nomad) - nomad.dashStart) > kDashLength || ClipFinished(nomad.body)) {
-        Decide(nomad, target, dt);
-    }
+    if (!DashCovered(nomad))
+        nomad.body.sprite->move((Right(nomad) ? -kDashSpeed : kDashSpeed) * dt, 0);
+    if (DashCovered(nomad) || ClipFinished(nomad.body)) Decide(nomad, target, dt);
 }
 
 // Forwards after the wind-up frame, until 300 px are covered or the way ahead is shut.
@@ -220,10 +225,10 @@ void UpdateRush(Nomad& nomad, float dt, sf::Vector2f target) {
         nomad.dashStart = X(nomad);
         return;
     }
-    if (!nomad.blocked) nomad.body.sprite->move((Right(nomad) ? kDashSpeed : -kDashSpeed) * dt, 0);
-    if (nomad.blocked || std::fabs(X(nomad) - nomad.dashStart) > kDashLength) {
-        Decide(nomad, target, dt);
+    if (!nomad.blocked && !DashCovered(nomad)) {
+        nomad.body.sprite->move((Right(nomad) ? kDashSpeed : -kDashSpeed) * dt, 0);
     }
+    if (nomad.blocked || DashCovered(nomad)) Decide(nomad, target, dt);
 }
 
 void UpdateNomad(Nomad& nomad, float dt, sf::Vector2f target) {
