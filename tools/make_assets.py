@@ -14,12 +14,13 @@ from pathlib import Path
 sys.dont_write_bytecode = True  # keep tools/ free of __pycache__
 sys.path.insert(0, str(Path(__file__).resolve().parent))
 
-from ovgen import (backgrounds, boss_hud, coins, contact_sheet, doors, fonts, fx, hero, hud, hud_preview,  # noqa: E402
-                   logos, menu_art, music, nomad, rooms, sfx, spinner, statues, tilesets, trash)
+from ovgen import (backgrounds, boss_hud, coins, contact_sheet, doors, fonts, frog, fx, hero, hud,  # noqa: E402
+                   hud_preview, logos, menu_art, music, nomad, plant, rooms, sfx, slime, spinner, statues,
+                   tilesets, trash)
 
 ROOT = Path(__file__).resolve().parent.parent
 GENERATORS = [fonts, menu_art, logos, backgrounds, music, rooms, hero, sfx, tilesets, spinner, trash, fx, doors,
-              statues, coins, hud, nomad, boss_hud, hud_preview, contact_sheet]
+              statues, coins, hud, nomad, boss_hud, hud_preview, slime, frog, plant, contact_sheet]
 
 
 def make_all(out):
