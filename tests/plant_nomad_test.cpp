@@ -47,11 +47,7 @@ class KindsTest : public HeroTest {
 protected:
     void SetUp() override {
         HeroTest::SetUp();
-        Replace("Assets/Sprites/Enemies/Plant/PlantAnimData.txt", kPlantAnim);
-        WritePicture("Assets/Sprites/Enemies/Plant/PlantTrap.png", {168 * 6, 146 * 3},
-                     Plain(kPlantGreen));
-        Replace("Assets/Sprites/Enemies/NomadAnimData.txt", kNomadAnim);
-        WritePicture("Assets/Sprites/Enemies/Nomad.png", {128 * 12, 128 * 7}, Plain(kNomadRed));
+        WriteArt();
         LoadEnemyAssets();
         AddContainer(1, {-1000, kFloor - 800, 8000, 800});
         Money().money = Money().moneyShown = 0;
@@ -64,6 +60,13 @@ protected:
         HeroTest::TearDown();
     }
 
+    virtual void WriteArt() {
+        Replace("Assets/Sprites/Enemies/Plant/PlantAnimData.txt", kPlantAnim);
+        WritePicture("Assets/Sprites/Enemies/Plant/PlantTrap.png", {168 * 6, 146 * 3},
+                     Plain(kPlantGreen));
+        Replace("Assets/Sprites/Enemies/NomadAnimData.txt", kNomadAnim);
+        WritePicture("Assets/Sprites/Enemies/Nomad.png", {128 * 12, 128 * 7}, Plain(kNomadRed));
+    }
     // Writes a file of the sandbox without writing through its link to the game's own.
     static void Replace(const std::string& path, const std::string& text) {
         std::filesystem::create_directories(std::filesystem::path(path).parent_path());
@@ -102,6 +105,62 @@ protected:
     }
     static void Release() { InputScriptMouseButton(sf::Mouse::Left, false); }
 
+    // The hero, played from the keyboard and mouse by a simple duellist: close in, swing while
+    // the Nomad rests or walks, parry each of its cuts just before it lands.
+    void Duel() {
+        CurrentRoom().enemyContainers.clear();
+        AddSolid({0, kFloor - 600, 96, 600});
+        AddSolid({1600, kFloor - 600, 96, 600});
+        AddContainer(1, {96, kFloor - 600, 1504, 600});
+        SetPlayerPosition({400, kFloor});
+        AddNomadEnemy({1200, kFloor}, 1);
+        std::srand(4321);
+        Player& player = GetPlayer();
+        int parried = 0, frames = 0;
+        bool attackHeld = false;
+        auto move = [](int direction) {
+            Hold(BINDING_LEFT, direction < 0);
+            Hold(BINDING_RIGHT, direction > 0);
+        };
+        for (; frames < 60 * 120 && !IsEnemyDead(0, ENEMY_NOMAD) && State() != PLAYER_DEAD;
+             frames++) {
+            const EnemyBody& nomad = NomadBody();
+            const Animation& clip = CurrentClip(nomad);
+            float dx = NomadX() - GetPlayerPosition().x;
+            bool facing = (dx > 0) == PlayerFacingRight();
+            // Seconds until the cut shown lands, if one is coming.
+            float toBlow = 1e9f;
+            if (Cutting(nomad.state) && nomad.armed && clip.frameRate > 0) {
+                int ahead = nomad.damageFrames[nomad.state] - 1 - clip.currentFrame;
+                if (ahead >= 0) toBlow = float(ahead) / float(clip.frameRate) - clip.timer;
+            }
+            bool threatened = toBlow < 0.25f && std::fabs(dx) < NomadReach(0) + 80;
+            bool wantAttack = false;
+            if (threatened) {
+                move(0);
+                if (State() != PLAYER_PARRY || player.body.parrySucceeded) Press(BINDING_PARRY);
+            } else if (std::fabs(dx) > 120 || !facing) {
+                Hold(BINDING_PARRY, false);
+                move(dx > 0 ? 1 : -1);
+            } else {
+                Hold(BINDING_PARRY, false);
+                move(0);
+                wantAttack = !Cutting(nomad.state);
+            }
+            if (wantAttack && !attackHeld) Click();
+            if (!wantAttack && attackHeld) Release();
+            attackHeld = wantAttack;
+
+            int parries = player.body.parrySucceeded;
+            Fight(1);
+            parried += !parries && player.body.parrySucceeded;
+        }
+        EXPECT_TRUE(IsEnemyDead(0, ENEMY_NOMAD)) << "after " << frames << " frames";
+        EXPECT_GT(player.life, 0);
+        EXPECT_GE(parried, 1);
+        EXPECT_EQ(Money().money, 60);
+    }
+
     static EnemyBody& NomadBody(int index = 0) { return NomadKind().body(index); }
     static int Nomad(int index = 0) { return NomadState(index); }
     static float NomadX(int index = 0) { return GetEnemyPosition(index, ENEMY_NOMAD).x; }
@@ -122,6 +181,12 @@ protected:
             if (NOMAD_LIGHT_ATTACK + std::rand() % 4 == action) return seed;
         }
     }
+};
+
+// The same, with the sheets and timings the game ships.
+class ShippedArtTest : public KindsTest {
+protected:
+    void WriteArt() override {}
 };
 
 // What a Nomad does, frame by frame: each action it starts (a state entered, or an action
@@ -461,57 +526,38 @@ TEST_F(KindsTest, AFelledNomadPaysSixtyOnceAndStaysDown) {
     EXPECT_EQ(GetPlayer().life, 100);
 }
 
-// The hero, played from the keyboard and mouse by a simple duellist: close in, swing while the
-// Nomad rests or walks, parry each of its cuts just before it lands.
 TEST_F(KindsTest, TheHeroWinsADuelWithTheNomad) {
-    CurrentRoom().enemyContainers.clear();
-    AddSolid({0, kFloor - 600, 96, 600});
-    AddSolid({1600, kFloor - 600, 96, 600});
-    AddContainer(1, {96, kFloor - 600, 1504, 600});
-    SetPlayerPosition({400, kFloor});
-    AddNomadEnemy({1200, kFloor}, 1);
-    std::srand(4321);
-    Player& player = GetPlayer();
-    int parried = 0, frames = 0;
-    bool attackHeld = false;
-    auto move = [](int direction) {
-        Hold(BINDING_LEFT, direction < 0);
-        Hold(BINDING_RIGHT, direction > 0);
-    };
-    for (; frames < 60 * 120 && !IsEnemyDead(0, ENEMY_NOMAD) && State() != PLAYER_DEAD; frames++) {
-        const EnemyBody& nomad = NomadBody();
-        const Animation& clip = CurrentClip(nomad);
-        float dx = NomadX() - GetPlayerPosition().x;
-        bool facing = (dx > 0) == PlayerFacingRight();
-        // Seconds until the cut shown lands, if one is coming.
-        float toBlow = 1e9f;
-        if (Cutting(nomad.state) && nomad.armed && clip.frameRate > 0) {
-            int ahead = nomad.damageFrames[nomad.state] - 1 - clip.currentFrame;
-            if (ahead >= 0) toBlow = float(ahead) / float(clip.frameRate) - clip.timer;
-        }
-        bool threatened = toBlow < 0.25f && std::fabs(dx) < NomadReach(0) + 80;
-        bool wantAttack = false;
-        if (threatened) {
-            move(0);
-            if (State() != PLAYER_PARRY || player.body.parrySucceeded) Press(BINDING_PARRY);
-        } else if (std::fabs(dx) > 120 || !facing) {
-            Hold(BINDING_PARRY, false);
-            move(dx > 0 ? 1 : -1);
-        } else {
-            Hold(BINDING_PARRY, false);
-            move(0);
-            wantAttack = !Cutting(nomad.state);
-        }
-        if (wantAttack && !attackHeld) Click();
-        if (!wantAttack && attackHeld) Release();
-        attackHeld = wantAttack;
+    Duel();
+}
 
-        int parries = player.body.parrySucceeded;
-        Fight(1);
-        parried += !parries && player.body.parrySucceeded;
+TEST_F(ShippedArtTest, TheHeroWinsADuelWithTheNomad) {
+    Duel();
+}
+
+TEST_F(ShippedArtTest, TheShippedSheetsReadInFull) {
+    AddPlantEnemy({1500, kFloor}, 1);
+    AddNomadEnemy({3000, kFloor}, 1);
+    EXPECT_EQ(GetEnemySprite(0, ENEMY_PLANT)->getTextureRect(), sf::IntRect(0, 0, 168, 146));
+    struct Sheet {
+        EnemyBody& body;
+        std::set<int> striking;  // the clips with a damage frame
+    } sheets[] = {{PlantKind().body(0), {PLANT_ATTACK}},
+                  {NomadKind().body(0), {NOMAD_LIGHT_ATTACK, NOMAD_HEAVY_ATTACK}}};
+    for (const Sheet& sheet : sheets) {
+        sf::Vector2u size = sheet.body.sprite->getTexture()->getSize();
+        for (size_t i = 0; i < sheet.body.clips.size(); i++) {
+            SCOPED_TRACE(i);
+            const Animation& clip = sheet.body.clips[i];
+            EXPECT_GT(clip.frameCount, 0u);
+            EXPECT_GT(clip.frameRate, 0u);
+            EXPECT_LE(unsigned(clip.frameRect.top + clip.frameRect.height), size.y);
+            int damage = sheet.body.damageFrames[i];
+            if (sheet.striking.count(int(i))) {
+                EXPECT_GE(damage, 1);
+                EXPECT_LE(damage, int(clip.frameCount));
+            } else {
+                EXPECT_EQ(damage, 0);  // a dash frame is no damage frame
+            }
+        }
     }
-    EXPECT_TRUE(IsEnemyDead(0, ENEMY_NOMAD)) << "after " << frames << " frames";
-    EXPECT_GT(player.life, 0);
-    EXPECT_GE(parried, 1);
-    EXPECT_EQ(Money().money, 60);
 }

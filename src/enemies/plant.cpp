@@ -75,6 +75,7 @@ void UpdatePlant(Plant& plant, float dt, sf::Vector2f target) {
 
 void LoadAssets() {
     texture = LoadTexture(kTexture);
+    attackBox.setFillColor(sf::Color(255, 0, 0, 100));
 }
 
 void DestroyAll() {
