@@ -8,6 +8,8 @@
 #include "common/motion.h"
 #include "enemies/enemy_body.h"
 #include "enemies/frog.h"
+#include "enemies/nomad.h"
+#include "enemies/plant.h"
 #include "enemies/slime.h"
 #include "enemies/trash.h"
 #include "hud/player_hud.h"
@@ -24,8 +26,10 @@ namespace {
 std::array<const EnemyKindOps*, ENEMY_KIND_COUNT> MakeKinds() {
     std::array<const EnemyKindOps*, ENEMY_KIND_COUNT> kinds{};
     kinds[ENEMY_FROG] = &FrogKind();
+    kinds[ENEMY_NOMAD] = &NomadKind();
     kinds[ENEMY_TRASH] = &TrashKind();
     kinds[ENEMY_SLIME] = &SlimeKind();
+    kinds[ENEMY_PLANT] = &PlantKind();
     return kinds;
 }
 

@@ -25,10 +25,16 @@ void LoadEnemySheet(EnemySheet& sheet, const char* texturePath, const char* anim
                     std::span<const AnimClipSpec> clips,
                     const std::function<void(std::FILE*, int)>& extra) {
     sheet.texture = LoadTexture(texturePath);
-    sheet.anim = AnimData();
-    sheet.read = ReadAnimData(animPath, clips, sheet.anim, extra);
-    if (!sheet.read) sheet.anim.clips.assign(clips.size(), Animation());
-    if (!sheet.read) sheet.anim.damageFrames.assign(clips.size(), 0);
+    sheet.read = ReadEnemyAnim(animPath, clips, sheet.anim, extra);
+}
+
+bool ReadEnemyAnim(const char* animPath, std::span<const AnimClipSpec> clips, AnimData& anim,
+                   const std::function<void(std::FILE*, int)>& extra) {
+    anim = AnimData();
+    if (ReadAnimData(animPath, clips, anim, extra)) return true;
+    anim.clips.assign(clips.size(), Animation());
+    anim.damageFrames.assign(clips.size(), 0);
+    return false;
 }
 
 void CreateEnemyBody(EnemyBody& body, const sf::Texture* texture, const AnimData& anim,

@@ -45,6 +45,10 @@ AnimData FixedSheet(sf::Vector2i frameSize, std::span<const FixedClipSpec> clips
 void LoadEnemySheet(EnemySheet& sheet, const char* texturePath, const char* animPath,
                     std::span<const AnimClipSpec> clips,
                     const std::function<void(std::FILE*, int)>& extra = {});
+// Reads an animation data file; a missing one gives blank clips (empty frames that never play
+// through) rather than none, so the kind's logic can always index them.
+bool ReadEnemyAnim(const char* animPath, std::span<const AnimClipSpec> clips, AnimData& anim,
+                   const std::function<void(std::FILE*, int)>& extra = {});
 
 // Makes the body's sprite on `texture` (frame 0 of `frameSize`, origin at `origin` times the
 // frame, scale 3) at `position`, and copies the sheet's clips onto it.
