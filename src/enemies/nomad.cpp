@@ -209,8 +209,9 @@ void UpdateEscape(Nomad& nomad, float dt, sf::Vector2f target) {
         Decide(nomad, target, dt);
         return;
     }
-    if (!DashCovered(nomad))
+    if (!DashCovered(nomad)) {
         nomad.body.sprite->move((Right(nomad) ? -kDashSpeed : kDashSpeed) * dt, 0);
+    }
     if (DashCovered(nomad) || ClipFinished(nomad.body)) Decide(nomad, target, dt);
 }
 
