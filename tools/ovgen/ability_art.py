@@ -238,17 +238,15 @@ def sword_parts(cv, k, hilt, angle=90.0, blade=24.0):
         return (hilt[0] + k * (u * d[0] + v * n[0]), hilt[1] + k * (u * d[1] + v * n[1]))
     bl = cv.polygon([at(0.5, 1.3), at(blade - 3.2, 1.2), at(blade, 0.0), at(blade - 3.2, -1.2),
                      at(0.5, -1.3)])
-    fuller = cv.capsule(at(1.5), at(blade - 5.0), 0.35 * k)
     guard = cv.capsule(at(0, -4.6), at(0, 4.6), 0.95 * k)
     guard |= cv.ellipse(at(0), 1.5 * k, 1.5 * k)
     grip = cv.capsule(at(-1.0), at(-5.5), 0.85 * k)
     pommel = cv.ellipse(at(-6.6), 1.4 * k, 1.4 * k)
-    blade_tone = np.where(bl, np.where(rig.tone_map(bl, 1, 1) == 0, 0, 1), -1)
-    # the blade's lit half (towards the top left) and its dark fuller
+    # the blade's half towards the light is bright, the other half base, its far edge in shadow
     side = ((cv.x - hilt[0]) * n[0] + (cv.y - hilt[1]) * n[1]) > 0
     light_side = side if (n[0] < 0 or n[1] > 0) else ~side
-    blade_tone[bl & light_side & (blade_tone == 1)] = 2
-    blade_tone[fuller & bl] = 0 if k < 1.5 else blade_tone[fuller & bl]
+    blade_tone = np.where(bl, np.where(light_side, 2, 1), -1)
+    blade_tone[bl & ~light_side & ~px.erode(bl)] = 0
     return [part("grip", grip, M("#120a06", "#3a2414", "#5a3a22", "#7a5434", "#9a7450"), "hilt"),
             part("pommel", pommel, GOLD, "hilt"),
             part("blade", bl, STEEL, "blade", blade_tone),
