@@ -51,11 +51,6 @@ def scaled(points, k, origin=(0.0, 0.0), angle=0.0):
     return [(origin[0] + k * (x * ca - y * sa), origin[1] + k * (x * sa + y * ca)) for x, y in points]
 
 
-def put(img, mask, colour, alpha=255):
-    img[mask, :3] = colour
-    img[mask, 3] = alpha
-
-
 # ---------------------------------------------------------------- boots
 
 
@@ -263,14 +258,3 @@ def sparkle(img, c, arm, colours=SPARK):
             if 0 <= y < h and 0 <= x < w:
                 img[y, x, :3] = colours[tone]
                 img[y, x, 3] = 255
-
-
-def halo(img, centre, radius, colour, alpha, cv=None):
-    """A faint dithered glow on empty pixels round a magical object."""
-    h, w = img.shape[:2]
-    ys, xs = px.grid(h, w)
-    d = np.hypot(xs - centre[0], ys - centre[1])
-    ring = (d <= radius) & (img[..., 3] == 0)
-    dots = ring & px.dither_mask(np.clip(1.1 - d / radius, 0, 1) * 0.55)
-    img[dots, :3] = colour
-    img[dots, 3] = alpha

@@ -100,8 +100,7 @@ class Faces:
     def parts(self):
         out = []
         for name, mask, mat, tone, group in self.items:
-            t = np.where(mask, tone, -1) if np.isscalar(tone) else np.where(mask, tone, -1)
-            out.append(aa.part(name, mask, mat, group, t))
+            out.append(aa.part(name, mask, mat, group, np.where(mask, tone, -1)))
         return out
 
 
@@ -171,7 +170,6 @@ def chest_frame(angle):
     else:
         front, side, top = box_faces(cv, faces, open_top)
         outside, under, cap, prof = lid_faces(cv, faces, angle)
-    lid = outside | cap
     # gold: two bands round the box and the lid, corner guards, the lid's front lip, the lock
     bands_box = quad(cv, [(3.0, 0, 0), (5.0, 0, 0), (5.0, H, 0), (3.0, H, 0)]) | \
         quad(cv, [(W - 5.0, 0, 0), (W - 3.0, 0, 0), (W - 3.0, H, 0), (W - 5.0, H, 0)])
@@ -182,11 +180,7 @@ def chest_frame(angle):
     box_gold = (bands_box | guard | foot) & (front | side)
     lid_gold = (band_on_lid(cv, prof, 3.0, 5.0) | band_on_lid(cv, prof, W - 5.0, W - 3.0)) & outside
     lip = band_on_lid(cv, prof[:2], 0, W) & outside
-    faces_parts = faces.parts()
-    parts = []
-    for p in faces_parts:
-        parts.append(p)
-    img = aa.render(parts, FW, FH).astype(float)
+    img = aa.render(faces.parts(), FW, FH).astype(float)
     solid = img[..., 3] == 255
     g = GOLDM
     # the gold, shaded like the wood under it: lit on lit faces, dark on the shaded side
@@ -224,8 +218,7 @@ def chest_frame(angle):
             col, row = cv.pixel(c)
             if 0 <= row < FH and 0 <= col < FW and gold[row, col]:
                 img[row, col, :3] = g.rim
-    # the lock: a gold plate on the front's top edge, the crest's crescent on it; it stays on the
-    # box when the lid opens, its hasp goes up with the lid
+    # the lock: a gold plate under the front's top edge with the crest's crescent on it
     lock_c = project((W / 2.0, H - 1.6, 0))
     plate = cv.polygon([(lock_c[0] - 2.6, lock_c[1] + 2.2), (lock_c[0] + 2.6, lock_c[1] + 2.2),
                         (lock_c[0] + 2.6, lock_c[1] - 1.6), (lock_c[0], lock_c[1] - 3.4),
@@ -244,8 +237,8 @@ def chest_frame(angle):
 
 
 def glow_inside(img, cv, top, angle):
-    """The open chest's inside: dark wood walls, a bright pool of light rising from the floor,
-    motes and short rays above the rim (hard pixels; the rays are dithered and half clear)."""
+    """The open chest's inside: a pool of light rising from its floor, white at the heart, orange
+    towards the dark walls; stronger once the lid is thrown back."""
     inside = top & (img[..., 3] == 255) & (img[..., :3].sum(axis=-1) <= sum(OAK_IN.shadow) + 1)
     if not inside.any():
         return
@@ -259,18 +252,6 @@ def glow_inside(img, cv, top, angle):
     for lim, col in ((1.05, LIGHT[0]), (0.8, LIGHT[1]), (0.55, LIGHT[2]), (0.3, LIGHT[3])):
         sel = inside & (d < lim * strength)
         img[sel, :3] = col
-    # rays: a fan of dithered light above the opening, clear of the chest
-    empty = img[..., 3] == 0
-    top_row = r0
-    for k, ang in enumerate((-58, -30, 0, 30, 58)):
-        a = math.radians(90 + ang)
-        for t in np.arange(1.0, 9.0 * strength, 0.5):
-            x = cx + math.cos(a) * t * 1.2
-            y = top_row - math.sin(a) * t
-            c, r = int(x), int(y)
-            if 0 <= r < FH and 0 <= c < FW and empty[r, c] and ((r + c + k) % 2 == 0 or t < 3):
-                img[r, c, :3] = LIGHT[2] if t < 3.5 else LIGHT[1]
-                img[r, c, 3] = 150 if t < 3.5 else 90
 
 
 def chest_sheet():
