@@ -34,9 +34,9 @@ ITEM_W, ITEM_H = 40, 32         # item canvas
 ITEMS = ("Boot", "WingBoot", "Cloud")   # by ability type 0, 1, 2
 
 # box: width, height, depth; lid dome height; oblique offsets per unit of depth
-W, H, D, DOME = 25.0, 10.0, 9.0, 5.0
+W, H, D, DOME = 24.0, 10.0, 8.0, 5.0
 OX, OY = 0.5, 0.42
-BASE = 1.0                      # rig y of the chest's underside: its lowest row is row 27
+BASE = 2.0                      # rig y of the chest's underside: its ink line is row 27
 LEFT = -(W + OX * D) / 2.0      # rig x of the front face's left edge
 LID_ANGLES = (0.0, 52.0, 104.0)  # closed, opening, open (degrees the lid has turned back)
 

@@ -31,7 +31,7 @@ BODY = (10, 53)                  # columns the body keeps within (the middle 70 
 CLIPS = [("CREATION", 15), ("STATIC", 8), ("DESTRUCTION", 20)]
 N = 6                            # frames per clip
 BASE_Y = 10.0                    # rig y of the flat underside
-CROWN = (0.0, 5.5, 6.5, 6.0)     # flat on top from -6 to 6 at 10 + 5.5 + 6.5 = 22, the top of row TOP + 1
+CROWN = (0.0, 5.5, 6.5, 7.0)     # flat on top from -7 to 7 at 10 + 5.5 + 6.5 = 22, the top of row TOP + 1
 
 # the full cloud's puffs, back to front: crown, shoulders, far ends, low front puffs
 PUFFS = [CROWN, (12.5, 3.6, 6.0), (-12.5, 3.8, 6.0), (18.0, 1.4, 3.2), (-18.0, 1.4, 3.2),
@@ -89,7 +89,7 @@ def creation():
     for i in range(N):
         t = (i + 1) / N
         g = 1 - (1 - t) ** 2                      # fast, then settling
-        puffs = [CROWN if i >= 2 else (0.0, 5.5 + 6.5 * (1 - g) * 0.5, 6.5 - 6.5 * (1 - g) * 0.5, 6.0 * g)]
+        puffs = [CROWN]                              # under the feet from the first frame
         for dx, dy, r in PUFFS[1:]:
             puffs.append((dx * g, dy, r * min(1.0, 0.25 + g)))
         # a touch of overshoot on the fourth frame, so the cloud billows rather than slides out
