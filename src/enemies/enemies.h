@@ -43,7 +43,6 @@ struct EnemyKindOps {
     void (*draw)(sf::RenderTarget& target) = nullptr;
     void (*destroyAll)() = nullptr;
     int deadState = -1;     // -1: never dies
-    int money = 0;          // paid when the hero fells one
     bool pushedOut = true;  // kept out of walls and inside its arena by the framework
 };
 

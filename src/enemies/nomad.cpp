@@ -373,7 +373,6 @@ const EnemyKindOps& NomadKind() {
         kind.draw = DrawAll;
         kind.destroyAll = DestroyAll;
         kind.deadState = NOMAD_DEAD;
-        kind.money = 60;
         return kind;
     }();
     return ops;

@@ -15,6 +15,8 @@ GAME_SCALE = {  # path under Assets/Sprites -> scale the game draws it at; anyth
     "Settings/bar.png": 1.0, "Settings/filler.png": 1.0, "Settings/button.png": 1.0,
     "Settings/windowSelect.png": 2.0, "Logo/LogoStudio.png": 0.1, "Logo/LogoLumorra.png": 0.2,
     "HUD/Player/vignette.png": 1.0,
+    "ExplanationHUD/block.png": 1.25, "ExplanationHUD/BOTTE.png": 4.0,
+    "ExplanationHUD/BOTTE AILESRecovered.png": 4.0, "Shop/Potion.png": 1.75, "Shop/AttackUp.png": 1.75,
 }
 # shown smaller than in game, to keep the sheet compact
 SHEET_SCALE = {"Menu/GameMenu.png": 0.5, "HUD/Player/vignette.png": 0.25}
