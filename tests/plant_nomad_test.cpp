@@ -19,7 +19,7 @@
 
 namespace {
 
-class KindsTest : public HeroTest {
+class PlantNomadTest : public HeroTest {
 protected:
     void SetUp() override {
         HeroTest::SetUp();
@@ -98,7 +98,7 @@ std::vector<Action> Actions(int frames, const std::function<void()>& step) {
 
 }  // namespace
 
-TEST_F(KindsTest, ThePlantBitesAHundredOncePerSnapThroughAParryAndRearmsAtOnce) {
+TEST_F(PlantNomadTest, ThePlantBitesAHundredOncePerSnapThroughAParryAndRearmsAtOnce) {
     AddPlantEnemy({1500, kFloor}, 1);
     SetPlayerPosition({1620, kFloor});  // 120 px beside it: out of reach
     EnemiesOnly(60);
@@ -126,7 +126,7 @@ TEST_F(KindsTest, ThePlantBitesAHundredOncePerSnapThroughAParryAndRearmsAtOnce) 
     EXPECT_EQ(player.life, 700);
 }
 
-TEST_F(KindsTest, TheSwordPassesThroughAPlantThatNeverDiesNorMoves) {
+TEST_F(PlantNomadTest, TheSwordPassesThroughAPlantThatNeverDiesNorMoves) {
     GetPlayer().godMode = 1;
     SetPlayerFacing(true);
     AddPlantEnemy({560, kFloor}, 99);  // no such arena: a clamped enemy would be thrown away
@@ -144,7 +144,7 @@ TEST_F(KindsTest, TheSwordPassesThroughAPlantThatNeverDiesNorMoves) {
     EXPECT_EQ(GetEnemyPosition(0, ENEMY_PLANT), sf::Vector2f(560, kFloor));
 }
 
-TEST_F(KindsTest, WithoutTheirArtBothKindsStandHarmlessly) {
+TEST_F(PlantNomadTest, WithoutTheirArtBothKindsStandHarmlessly) {
     DestroyEnemyAssets();
     for (const char* path :
          {"Plant/PlantAnimData.txt", "Plant/PlantTrap.png", "NomadAnimData.txt", "Nomad.png"}) {
@@ -157,7 +157,7 @@ TEST_F(KindsTest, WithoutTheirArtBothKindsStandHarmlessly) {
     EXPECT_EQ(GetPlayer().life, 100);
 }
 
-TEST_F(KindsTest, NomadCombosOpenOnTheFirstRollChainAtMostFourActionsAndRest) {
+TEST_F(PlantNomadTest, NomadCombosOpenOnTheFirstRollChainAtMostFourActionsAndRest) {
     for (unsigned seed = 1; seed <= 6; seed++) {
         DestroyAllEnemies();
         NomadFacingTheHero(150);
@@ -205,7 +205,7 @@ TEST_F(KindsTest, NomadCombosOpenOnTheFirstRollChainAtMostFourActionsAndRest) {
     EXPECT_LE(withoutChainedCut * 10, int(combos.size()));
 }
 
-TEST_F(KindsTest, NomadCutsCostSixteenAndTwentyAndParryAndItsDashesNeverHurt) {
+TEST_F(PlantNomadTest, NomadCutsCostSixteenAndTwentyAndParryAndItsDashesNeverHurt) {
     struct Case {
         int opener;
         bool parry;
@@ -243,7 +243,7 @@ TEST_F(KindsTest, NomadCutsCostSixteenAndTwentyAndParryAndItsDashesNeverHurt) {
     }
 }
 
-TEST_F(KindsTest, NomadDashesStopAfterThreeHundredPixelsAtAWallOrTheArenasEnd) {
+TEST_F(PlantNomadTest, NomadDashesStopAfterThreeHundredPixelsAtAWallOrTheArenasEnd) {
     const float step = 3000 * kDt;  // the most a dash moves in a frame
     GetPlayer().godMode = 1;
     AddContainer({100, kFloor - 600, 1400, 600});
@@ -273,7 +273,7 @@ TEST_F(KindsTest, NomadDashesStopAfterThreeHundredPixelsAtAWallOrTheArenasEnd) {
 
 // The hero, played from the keyboard and mouse by a simple duellist: close in, swing while the
 // Nomad rests or walks, parry each of its cuts just before it lands.
-TEST_F(KindsTest, TheHeroWinsADuelWithTheNomad) {
+TEST_F(PlantNomadTest, TheHeroWinsADuelWithTheNomad) {
     AddSolid({0, kFloor - 600, 96, 600});
     AddSolid({1600, kFloor - 600, 96, 600});
     AddContainer({96, kFloor - 600, 1504, 600});
