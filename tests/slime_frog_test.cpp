@@ -30,7 +30,7 @@ const char* const kSlimeAnimData =
     "DEAD | NbFrame : 4 / FrameRate : 8\n";
 const char* const kSlimeDir = "Assets/Sprites/Enemies/Slime/";
 
-class KindsTest : public HeroTest {
+class SlimeFrogTest : public HeroTest {
 protected:
     void SetUp() override {
         HeroTest::SetUp();
@@ -96,7 +96,7 @@ protected:
 
 }  // namespace
 
-TEST_F(KindsTest, ASlimesFirstShotComesWithinItsOpeningWindowAndOnlyWithinRange) {
+TEST_F(SlimeFrogTest, ASlimesFirstShotComesWithinItsOpeningWindowAndOnlyWithinRange) {
     int earliest = 1000, latest = 0;
     for (unsigned seed = 1; seed <= 16; seed++) {
         std::srand(seed);
@@ -132,7 +132,7 @@ void PrintTo(const AimCase& c, std::ostream* out) {
     *out << c.name;
 }
 
-class SlimeAimTest : public KindsTest, public testing::WithParamInterface<AimCase> {};
+class SlimeAimTest : public SlimeFrogTest, public testing::WithParamInterface<AimCase> {};
 
 TEST_P(SlimeAimTest, TheShotHeadsForTheHerosPoint) {
     const AimCase& c = GetParam();
@@ -160,7 +160,7 @@ INSTANTIATE_TEST_SUITE_P(
                     AimCase{"LevelOnTheRightIs90", {800 + 72, 0}, false, 90, {1, 0}}),
     [](const testing::TestParamInfo<AimCase>& info) { return info.param.name; });
 
-TEST_F(KindsTest, AWallStopsAProjectileWhichBurstsInPlaceAndGoes) {
+TEST_F(SlimeFrogTest, AWallStopsAProjectileWhichBurstsInPlaceAndGoes) {
     ProjectileBank bank;
     InitProjectileBank(bank, REGION_CITY);
     AddSolid({3000, 0, 100, kFloor});
@@ -194,7 +194,7 @@ TEST_F(KindsTest, AWallStopsAProjectileWhichBurstsInPlaceAndGoes) {
     EXPECT_EQ(bank.projectiles.size(), 1u);
 }
 
-TEST_F(KindsTest, EachProjectileThatReachesTheHeroCostsFiveThroughAParryAndBurstsThere) {
+TEST_F(SlimeFrogTest, EachProjectileThatReachesTheHeroCostsFiveThroughAParryAndBurstsThere) {
     std::srand(3);
     AddSlimeEnemy({1300, kFloor}, 1, REGION_FOREST);
     sf::Vector2f centre = HeroCentre();
@@ -221,7 +221,7 @@ TEST_F(KindsTest, EachProjectileThatReachesTheHeroCostsFiveThroughAParryAndBurst
     EXPECT_EQ(GetPlayer().life, 85);  // and the Slime's own shot
 }
 
-TEST_F(KindsTest, AFelledSlimesProjectilesFlyOnAndStillHurt) {
+TEST_F(SlimeFrogTest, AFelledSlimesProjectilesFlyOnAndStillHurt) {
     std::srand(4);
     AddSlimeEnemy({1300, kFloor}, 1, REGION_FOREST);
     for (int i = 0; i < 200 && Shots().empty(); i++) Run(1);
@@ -236,7 +236,7 @@ TEST_F(KindsTest, AFelledSlimesProjectilesFlyOnAndStillHurt) {
     EXPECT_TRUE(Shots().empty());
 }
 
-TEST_F(KindsTest, AHeroBelowSendsASlimeShufflingToTheEdgeOfItsLedge) {
+TEST_F(SlimeFrogTest, AHeroBelowSendsASlimeShufflingToTheEdgeOfItsLedge) {
     AddSolid({1000, kFloor - 400, 600, 40});
     AddContainer(2, {1000, kFloor - 800, 600, 400});
     std::srand(2);
@@ -268,7 +268,7 @@ TEST_F(KindsTest, AHeroBelowSendsASlimeShufflingToTheEdgeOfItsLedge) {
     EXPECT_FALSE(moved);  // a hero level or above is shot at, not approached
 }
 
-TEST_F(KindsTest, OnlyALeapingFrogHurtsAndOncePerLeap) {
+TEST_F(SlimeFrogTest, OnlyALeapingFrogHurtsAndOncePerLeap) {
     std::srand(5);
     AddFrogEnemy({GetPlayerPosition().x, kFloor}, 1, REGION_FOREST);
     ASSERT_TRUE(GetEnemyHurtbox(0, ENEMY_FROG).intersects(PlayerBodyBounds()));
@@ -294,7 +294,7 @@ TEST_F(KindsTest, OnlyALeapingFrogHurtsAndOncePerLeap) {
     EXPECT_EQ(GetPlayer().life, 100 - 3 * 18);
 }
 
-TEST_F(KindsTest, AFrogLeapsAtTheHeroOnlyInItsArenaAfterOneToThreeSecondsSitting) {
+TEST_F(SlimeFrogTest, AFrogLeapsAtTheHeroOnlyInItsArenaAfterOneToThreeSecondsSitting) {
     const unsigned seed = 11;
     std::srand(seed);
     std::vector<int> waits;
@@ -345,7 +345,7 @@ void PrintTo(const PayCase& c, std::ostream* out) {
     *out << c.name;
 }
 
-class FelledKindTest : public KindsTest, public testing::WithParamInterface<PayCase> {};
+class FelledKindTest : public SlimeFrogTest, public testing::WithParamInterface<PayCase> {};
 
 TEST_P(FelledKindTest, OneSwingFellsItAndPaysItsValueOnce) {
     const PayCase& c = GetParam();
@@ -376,7 +376,7 @@ INSTANTIATE_TEST_SUITE_P(Kinds, FelledKindTest,
                              return info.param.name;
                          });
 
-TEST_F(KindsTest, WithoutTheirArtBothKindsStillActAndTheirBoxesShowInTheOverlay) {
+TEST_F(SlimeFrogTest, WithoutTheirArtBothKindsStillActAndTheirBoxesShowInTheOverlay) {
     DestroyEnemyAssets();
     std::string dir = kSlimeDir;
     for (const char* name : {"SlimeAnimData.txt", "Slime SpriteSheet.png",
