@@ -419,13 +419,18 @@ def png_size(path):
 
 
 def key_for(action_line, settings_text):
-    """The xdotool name of the key bound to an action in the binding settings (letters only)."""
+    """The xdotool name of the key bound to an action in the binding settings (letters, the
+    space bar and the shift keys)."""
+    others = {57: "space", 38: "Shift_L", 42: "Shift_R"}
     for line in settings_text.splitlines():
         if line.startswith(action_line + " :"):
             code = int(line.split(":")[1])
             if 0 <= code < 26:
                 return chr(ord("a") + code)
-    raise AssertionError("the %s binding is not a letter key" % action_line)
+            if code in others:
+                return others[code]
+    raise AssertionError("the %s binding is neither a letter, the space bar nor a shift key"
+                         % action_line)
 
 
 def saved_at(room, checkpoint=0):
