@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "common/drawables.h"
+#include "enemies/enemies.h"
 #include "media/animation.h"
 #include "media/sound.h"
 
@@ -86,3 +87,20 @@ bool TouchesSolid(const sf::FloatRect& box);
 
 // Draws a hurtbox, attack box or probe while the hitbox display is on.
 void DrawHitbox(sf::RenderTarget& target, const sf::Shape& shape);
+
+// The row entries every kind fills the same way from its roster, a vector of records that each
+// hold a `body`: the count, the body, destroying them all, and updating every record near the
+// hero with `update` (last to first when `backwards`: the slimes and the Nomads go that way).
+template <auto& roster, auto update, bool backwards = false>
+void FillRosterOps(EnemyKindOps& kind) {
+    kind.count = [] { return int(roster.size()); };
+    kind.body = [](int index) -> EnemyBody& { return roster[size_t(index)].body; };
+    kind.destroyAll = [] { roster.clear(); };
+    kind.update = [](float dt, sf::Vector2f target) {
+        int count = int(roster.size());
+        for (int k = 0; k < count; k++) {
+            auto& record = roster[size_t(backwards ? count - 1 - k : k)];
+            if (EnemyNearTarget(BodyPosition(record.body), target)) update(record, dt, target);
+        }
+    };
+}

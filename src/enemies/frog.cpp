@@ -147,20 +147,10 @@ void LoadAssets() {
     anim = FixedSheet(kFrame, kClips);
 }
 
-void DestroyAll() {
-    frogs.clear();
-}
-
 void DestroyAssets() {
-    DestroyAll();
+    frogs.clear();
     texture.reset();
     for (auto& probe : probes) probe.reset();
-}
-
-void UpdateAll(float dt, sf::Vector2f target) {
-    for (Frog& frog : frogs) {
-        if (EnemyNearTarget(BodyPosition(frog.body), target)) UpdateFrog(frog, dt, target);
-    }
 }
 
 void DrawAll(sf::RenderTarget& target) {
@@ -168,14 +158,6 @@ void DrawAll(sf::RenderTarget& target) {
         target.draw(*frog.body.sprite);
         DrawHitbox(target, frog.hurtbox);
     }
-}
-
-int Count() {
-    return int(frogs.size());
-}
-
-EnemyBody& Body(int index) {
-    return frogs[index].body;
 }
 
 sf::FloatRect Hurtbox(int index) {
@@ -202,18 +184,15 @@ EnemyBlow Blow(int, int) {
 const EnemyKindOps& FrogKind() {
     static const EnemyKindOps ops = [] {
         EnemyKindOps kind;
+        FillRosterOps<frogs, UpdateFrog>(kind);
         kind.loadAssets = LoadAssets;
         kind.destroyAssets = DestroyAssets;
         kind.add = AddFrogEnemy;
-        kind.count = Count;
-        kind.body = Body;
         kind.hurtbox = Hurtbox;
         kind.attackBox = AttackBox;
         kind.striking = Striking;
         kind.blow = Blow;
-        kind.update = UpdateAll;
         kind.draw = DrawAll;
-        kind.destroyAll = DestroyAll;
         kind.deadState = FROG_DEAD;
         return kind;
     }();

@@ -276,29 +276,9 @@ void LoadAssets() {
     patrolSpeed = 90;
 }
 
-void DestroyAll() {
-    nomads.clear();
-}
-
 void DestroyAssets() {
-    DestroyAll();
+    nomads.clear();
     sheet = EnemySheet();
-}
-
-void UpdateAll(float dt, sf::Vector2f target) {
-    for (int i = int(nomads.size()) - 1; i >= 0; i--) {
-        if (EnemyNearTarget(BodyPosition(nomads[i].body), target)) {
-            UpdateNomad(nomads[i], dt, target);
-        }
-    }
-}
-
-int Count() {
-    return int(nomads.size());
-}
-
-EnemyBody& Body(int index) {
-    return nomads[index].body;
 }
 
 sf::FloatRect Hurtbox(int index) {
@@ -329,7 +309,7 @@ sf::FloatRect AttackBox(int index, int) {
 void DrawAll(sf::RenderTarget& target) {
     for (const Nomad& nomad : nomads) target.draw(*nomad.body.sprite);
     if (!DebugOverlay()) return;
-    for (int i = 0; i < Count(); i++) {
+    for (int i = 0; i < int(nomads.size()); i++) {
         PlaceProbe(nomads[i]);
         AttackBox(i, 0);
         target.draw(hurtbox);
@@ -358,20 +338,17 @@ EnemyBlow Blow(int index, int) {
 const EnemyKindOps& NomadKind() {
     static const EnemyKindOps ops = [] {
         EnemyKindOps kind;
+        FillRosterOps<nomads, UpdateNomad, true>(kind);
         kind.loadAssets = LoadAssets;
         kind.destroyAssets = DestroyAssets;
         kind.add = [](sf::Vector2f position, int containerId, int) {
             AddNomadEnemy(position, containerId);
         };
-        kind.count = Count;
-        kind.body = Body;
         kind.hurtbox = Hurtbox;
         kind.attackBox = AttackBox;
         kind.striking = Striking;
         kind.blow = Blow;
-        kind.update = UpdateAll;
         kind.draw = DrawAll;
-        kind.destroyAll = DestroyAll;
         kind.deadState = NOMAD_DEAD;
         return kind;
     }();

@@ -78,27 +78,9 @@ void LoadAssets() {
     attackBox.setFillColor(sf::Color(255, 0, 0, 100));
 }
 
-void DestroyAll() {
-    plants.clear();
-}
-
 void DestroyAssets() {
-    DestroyAll();
+    plants.clear();
     texture.reset();
-}
-
-void UpdateAll(float dt, sf::Vector2f target) {
-    for (Plant& plant : plants) {
-        if (EnemyNearTarget(BodyPosition(plant.body), target)) UpdatePlant(plant, dt, target);
-    }
-}
-
-int Count() {
-    return int(plants.size());
-}
-
-EnemyBody& Body(int index) {
-    return plants[index].body;
 }
 
 sf::FloatRect Hurtbox(int index) {
@@ -119,7 +101,7 @@ sf::FloatRect AttackBox(int index, int) {
 void DrawAll(sf::RenderTarget& target) {
     for (const Plant& plant : plants) target.draw(*plant.body.sprite);
     if (!DebugOverlay()) return;
-    for (int i = 0; i < Count(); i++) {
+    for (int i = 0; i < int(plants.size()); i++) {
         target.draw(plants[i].hurtbox);
         AttackBox(i, 0);
         target.draw(attackBox);
@@ -141,20 +123,17 @@ EnemyBlow Blow(int, int) {
 const EnemyKindOps& PlantKind() {
     static const EnemyKindOps ops = [] {
         EnemyKindOps kind;
+        FillRosterOps<plants, UpdatePlant>(kind);
         kind.loadAssets = LoadAssets;
         kind.destroyAssets = DestroyAssets;
         kind.add = [](sf::Vector2f position, int containerId, int) {
             AddPlantEnemy(position, containerId);
         };
-        kind.count = Count;
-        kind.body = Body;
         kind.hurtbox = Hurtbox;
         kind.attackBox = AttackBox;
         kind.striking = Striking;
         kind.blow = Blow;
-        kind.update = UpdateAll;
         kind.draw = DrawAll;
-        kind.destroyAll = DestroyAll;
         kind.deadState = -1;
         kind.pushedOut = false;
         return kind;

@@ -183,23 +183,11 @@ void LoadAssets() {
     marker = sf::RectangleShape({1, 1});
 }
 
-void DestroyAll() {
-    slimes.clear();
-}
-
 void DestroyAssets() {
-    DestroyAll();
+    slimes.clear();
     sheet = EnemySheet();
     necroTexture.reset();
     blueTexture.reset();
-}
-
-void UpdateAll(float dt, sf::Vector2f target) {
-    for (int i = int(slimes.size()) - 1; i >= 0; i--) {
-        if (EnemyNearTarget(BodyPosition(slimes[i].body), target)) {
-            UpdateSlime(slimes[i], dt, target);
-        }
-    }
 }
 
 void DrawAll(sf::RenderTarget& target) {
@@ -217,14 +205,6 @@ void DrawAll(sf::RenderTarget& target) {
             DrawHitbox(target, bank.hitbox);
         }
     }
-}
-
-int Count() {
-    return int(slimes.size());
-}
-
-EnemyBody& Body(int index) {
-    return slimes[index].body;
 }
 
 sf::FloatRect Hurtbox(int index) {
@@ -265,20 +245,17 @@ void Landed(int index, int attack) {
 const EnemyKindOps& SlimeKind() {
     static const EnemyKindOps ops = [] {
         EnemyKindOps kind;
+        FillRosterOps<slimes, UpdateSlime, true>(kind);
         kind.loadAssets = LoadAssets;
         kind.destroyAssets = DestroyAssets;
         kind.add = AddSlimeEnemy;
-        kind.count = Count;
-        kind.body = Body;
         kind.hurtbox = Hurtbox;
         kind.attackCount = AttackCount;
         kind.attackBox = AttackBox;
         kind.striking = Striking;
         kind.blow = Blow;
         kind.landed = Landed;
-        kind.update = UpdateAll;
         kind.draw = DrawAll;
-        kind.destroyAll = DestroyAll;
         kind.deadState = SLIME_DEAD;
         return kind;
     }();

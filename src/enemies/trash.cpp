@@ -163,33 +163,15 @@ void LoadAssets() {
     for (int region = 0; region < 2; region++) textures[region] = LoadTexture(kTextures[region]);
 }
 
-void DestroyAll() {
-    trashes.clear();
-}
-
 void DestroyAssets() {
-    DestroyAll();
+    trashes.clear();
     for (TexturePtr& texture : textures) texture.reset();
     leftProbe.reset();
     rightProbe.reset();
 }
 
-void UpdateAll(float dt, sf::Vector2f target) {
-    for (Trash& trash : trashes) {
-        if (EnemyNearTarget(BodyPosition(trash.body), target)) UpdateTrash(trash, dt, target);
-    }
-}
-
 void DrawAll(sf::RenderTarget& target) {
     for (const Trash& trash : trashes) target.draw(*trash.body.sprite);
-}
-
-int Count() {
-    return int(trashes.size());
-}
-
-EnemyBody& Body(int index) {
-    return trashes[index].body;
 }
 
 sf::FloatRect Hurtbox(int index) {
@@ -221,18 +203,15 @@ EnemyBlow Blow(int, int) {
 const EnemyKindOps& TrashKind() {
     static const EnemyKindOps ops = [] {
         EnemyKindOps kind;
+        FillRosterOps<trashes, UpdateTrash>(kind);
         kind.loadAssets = LoadAssets;
         kind.destroyAssets = DestroyAssets;
         kind.add = AddTrashEnemy;
-        kind.count = Count;
-        kind.body = Body;
         kind.hurtbox = Hurtbox;
         kind.attackBox = AttackBox;
         kind.striking = Striking;
         kind.blow = Blow;
-        kind.update = UpdateAll;
         kind.draw = DrawAll;
-        kind.destroyAll = DestroyAll;
         kind.deadState = TRASH_DEAD;
         return kind;
     }();
