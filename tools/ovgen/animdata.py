@@ -51,3 +51,20 @@ class FieldReader:
     def finish(self):
         if self.text[self.pos:].strip():
             raise ValueError(f"{self.what} has trailing text")
+
+
+def clip_line(label, frames, rate, tail=None):
+    """A clip's line: "<label> | NbFrame : n / FrameRate : r", then " / <word> Frame : k" when
+    tail is (word, k), as the enemies' damage and dash frames are written."""
+    line = f"{label} | NbFrame : {frames} / FrameRate : {rate}"
+    if tail is not None:
+        line += f" / {tail[0]} Frame : {tail[1]}"
+    return line
+
+
+def read_clip(reader, label, word=None):
+    """Reads back a line written by clip_line: (label, frames, rate, k or None)."""
+    n, rate = reader.need(label + " | NbFrame : %d / FrameRate : %d")
+    k = reader.need(f" / {word} Frame : %d")[0] if word is not None else None
+    reader.need("\n")
+    return (label, n, rate, k)

@@ -31,7 +31,7 @@ from PIL import Image, ImageDraw, ImageFont
 
 from . import pixel as px
 from . import rig
-from .animdata import FieldReader
+from .animdata import FieldReader, clip_line, read_clip
 from .rig import Part, Pose, Smear, add, lerp, swing, two_bone, vec
 
 FW, FH = 128, 128
@@ -688,10 +688,7 @@ def sheet(clips):
 def anim_data(clips):
     lines = [f"size : ({FW},{FH})", "first Frame Position : (0,0)", ""]
     for (label, rate, tail, k), (_, frames) in zip(CLIPS, clips):
-        line = f"{label} | NbFrame : {len(frames)} / FrameRate : {rate}"
-        if tail is not None:
-            line += f" / {tail} Frame : {k}"
-        lines.append(line)
+        lines.append(clip_line(label, len(frames), rate, None if tail is None else (tail, k)))
     return "\n".join(lines) + "\n"
 
 
@@ -704,12 +701,7 @@ def read_anim_data(text):
     need = reader.need
     size = need("size : (%d,%d)\n")
     first = need("first Frame Position : (%d,%d)\n\n")
-    rows = []
-    for label, _, tail, _ in CLIPS:
-        n, rate = need(label + " | NbFrame : %d / FrameRate : %d")
-        k = need(f" / {tail} Frame : %d")[0] if tail is not None else None
-        need("\n")
-        rows.append((label, n, rate, k))
+    rows = [read_clip(reader, label, tail) for label, _, tail, _ in CLIPS]
     reader.finish()
     return tuple(size), tuple(first), rows
 

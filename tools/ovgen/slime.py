@@ -28,7 +28,7 @@ import numpy as np
 
 from . import pixel as px
 from . import rig
-from .animdata import FieldReader
+from .animdata import FieldReader, clip_line, read_clip
 from .creature import Key, SheetRow, compose, pose_sheet, relief_tone, star, timeline
 from .rig import Part
 
@@ -548,10 +548,7 @@ def anim_data(clips, launch):
     lines = [f"size : ({FW},{FH})", "first Frame Position : (0,0)",
              f"projectile position : ({launch[0]},{launch[1]})", ""]
     for (label, rate, dmg), (_, frames) in zip(CLIPS, clips):
-        line = f"{label} | NbFrame : {len(frames)} / FrameRate : {rate}"
-        if dmg is not None:
-            line += f" / Damage Frame : {dmg}"
-        lines.append(line)
+        lines.append(clip_line(label, len(frames), rate, None if dmg is None else ("Damage", dmg)))
     return "\n".join(lines) + "\n"
 
 
@@ -562,12 +559,7 @@ def read_anim_data(text):
     size = need("size : (%d,%d)\n")
     first = need("first Frame Position : (%d,%d)\n")
     launch = need("projectile position : (%d,%d)\n\n")
-    rows = []
-    for label, _, dmg in CLIPS:
-        n, rate = need(label + " | NbFrame : %d / FrameRate : %d")
-        d = need(" / Damage Frame : %d")[0] if dmg is not None else None
-        need("\n")
-        rows.append((label, n, rate, d))
+    rows = [read_clip(reader, label, None if dmg is None else "Damage") for label, _, dmg in CLIPS]
     reader.finish()
     return tuple(size), tuple(first), tuple(launch), rows
 

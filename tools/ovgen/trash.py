@@ -24,7 +24,7 @@ from PIL import Image, ImageDraw, ImageFont
 
 from . import pixel as px
 from . import rig
-from .animdata import FieldReader
+from .animdata import FieldReader, clip_line, read_clip
 from .rig import Part, Pose, Smear, add, lerp, swing, two_bone, vec
 
 FW, FH = 72, 64
@@ -540,10 +540,7 @@ def sheet(clips):
 def anim_data(clips):
     lines = [f"size : ({FW},{FH})", "first Frame Position : (0,0)", ""]
     for (label, rate, dmg), (_, frames) in zip(CLIPS, clips):
-        line = f"{label} | NbFrame : {len(frames)} / FrameRate : {rate}"
-        if dmg is not None:
-            line += f" / Damage Frame : {dmg}"
-        lines.append(line)
+        lines.append(clip_line(label, len(frames), rate, None if dmg is None else ("Damage", dmg)))
     return "\n".join(lines) + "\n"
 
 
@@ -556,12 +553,7 @@ def read_anim_data(text):
     need = reader.need
     size = need("size : (%d,%d)\n")
     first = need("first Frame Position : (%d,%d)\n\n")
-    rows = []
-    for label, _, dmg in CLIPS:
-        n, rate = need(label + " | NbFrame : %d / FrameRate : %d")
-        d = need(" / Damage Frame : %d")[0] if dmg is not None else None
-        need("\n")
-        rows.append((label, n, rate, d))
+    rows = [read_clip(reader, label, None if dmg is None else "Damage") for label, _, dmg in CLIPS]
     reader.finish()
     return tuple(size), tuple(first), rows
 
