@@ -5,7 +5,10 @@
 #include "app/input.h"
 #include "common/log.h"
 #include "common/ui.h"
+#include "debug/console.h"
+#include "hud/explanation_panel.h"
 #include "interactables/checkpoint_menu.h"
+#include "interactables/chests.h"
 #include "interactables/statues.h"
 #include "menus/credits.h"
 #include "menus/main_menu.h"
@@ -126,10 +129,11 @@ void PauseKeyPressed(const sf::Event& event) {
     }
 }
 
-// The INTERACT action, only with the feet on the ground: resting at a statue.
+// The INTERACT action, only with the feet on the ground: resting at a statue, opening a chest.
 void RunInteractAction() {
     if (!PlayerStanding()) return;
     Rest();
+    OpenChests();
 }
 
 // While INTERACT is held (its key or gamepad button 1), any key press interacts instead. The
@@ -141,8 +145,17 @@ bool InteractHeld(int pressedKey) {
 
 void GameKeyPressed(const sf::Event& event) {
     int key = event.key.code;
-    if (Overlays().pauseOpen) {
+    OverlayFlags& flags = Overlays();
+    if (flags.consoleOpen) {
+        ConsoleKeyPressed(key, flags.consoleOpen);
+        return;
+    }
+    if (flags.pauseOpen) {
         PauseKeyPressed(event);
+        return;
+    }
+    if (flags.explanationOpen) {
+        if (key == Settings().bindings[BINDING_JUMP]) RequestExplanationClose();
         return;
     }
     if (Overlays().checkpointMenuOpen) {
@@ -155,6 +168,10 @@ void GameKeyPressed(const sf::Event& event) {
     }
     if (key == sf::Keyboard::Escape) RequestPause();
     if (key == sf::Keyboard::Home) DebugOverlay() = DebugOverlay() ? 0 : 1;
+    if (key == sf::Keyboard::F1) {
+        flags.consoleOpen = 1;
+        flags.worldFrozen = 1;
+    }
     HandlePlayerKeyPressed(key);
 }
 
@@ -181,6 +198,10 @@ void GameButtonPressed(sf::RenderWindow& window, unsigned button) {
         if (GetMenuScreen() == MENU_SCREEN_LIST && button == 0) {
             ChoosePauseEntry(GetPauseSelection(), window);
         }
+        return;
+    }
+    if (Overlays().explanationOpen) {
+        if (button == 0) RequestExplanationClose();
         return;
     }
     if (Overlays().checkpointMenuOpen) {
@@ -243,6 +264,11 @@ void RouteGameEvent(sf::RenderWindow& window, const sf::Event& event) {
         case sf::Event::JoystickMoved: GameAxisMoved(event); break;
         case sf::Event::MouseMoved: GameMouseMoved(window, event); break;
         case sf::Event::MouseButtonPressed: GameMousePressed(window, event); break;
+        case sf::Event::TextEntered:
+            if (Overlays().consoleOpen) {
+                ConsoleTextEntered(event.text.unicode, Overlays().consoleOpen);
+            }
+            break;
         default: break;
     }
 }

@@ -4,9 +4,12 @@
 
 #include "app/region_music.h"
 #include "common/log.h"
+#include "debug/console.h"
 #include "enemies/enemies.h"
+#include "hud/explanation_panel.h"
 #include "hud/player_hud.h"
 #include "interactables/checkpoint_menu.h"
+#include "interactables/chests.h"
 #include "interactables/money.h"
 #include "interactables/statues.h"
 #include "menus/credits.h"
@@ -72,6 +75,7 @@ void RunWorld(float dt) {
     UpdateEnemies(dt, target);
     FadeEnemyFlashes(dt);
     UpdateStatueOutlines(PlayerBodyBounds());
+    UpdateChestOutlines(PlayerBodyBounds());
     CheckDeathZones();
     CheckLockedDoorTriggers(PlayerBodyBounds());
     UpdateDoors(CountDeadEnemies(), dt);
@@ -88,6 +92,7 @@ void RunWorld(float dt) {
     UpdateMoney(dt, {body.left + 0.5f * body.width, body.top + 0.45f * body.height});
     EnemiesHitPlayer();
     PlayerHitsEnemies();
+    UpdateChests(dt, GetPlayerPosition());
 }
 
 void RunSequences(sf::RenderWindow& window, float dt) {
@@ -124,6 +129,7 @@ void DrawWorld(sf::RenderTarget& target, const sf::View& seen) {
     DrawRoomMiddleLayers(target);
     DrawRoomDebug(target);
     DrawStatues(target);
+    DrawChests(target);
     DrawEnemies(target, true, false);
     DrawCoins(target);
     DrawPlayer(target);
@@ -134,17 +140,20 @@ void DrawWorld(sf::RenderTarget& target, const sf::View& seen) {
 }
 
 // Overlays frozen over the world, each updating only itself.
-void RunOverlays() {
+void RunOverlays(float dt) {
     if (flags.pauseOpen) UpdatePauseMenu(flags.pauseOpen);
+    if (flags.explanationOpen) UpdateExplanationPanel(dt);
 }
 
 // The panels are laid out on 1920 x 1080 and go straight onto the window through a screen view,
 // covering the window whatever the camera's zoom.
 void DrawPanels(sf::RenderWindow& window) {
-    if (!flags.pauseOpen) return;
+    if (!flags.pauseOpen && !flags.explanationOpen && !flags.consoleOpen) return;
     window.setView(window.getDefaultView());
-    DrawPauseMenu(window);
-    DrawFade(window, {0, 0, 1920, 1080});
+    if (flags.explanationOpen) DrawExplanationPanel(window);
+    if (flags.pauseOpen) DrawPauseMenu(window);
+    if (FadeOverPanels()) DrawFade(window, {0, 0, 1920, 1080});
+    if (flags.consoleOpen) DrawConsole(window);
 }
 
 }  // namespace
@@ -172,7 +181,9 @@ void LoadGame(sf::RenderWindow& window) {
     LastViewCenter() = {0, 0};
     InitMoney();
     CreatePlayerHud();
+    LoadExplanationPanel(flags.explanationOpen);
     LoadPauseMenu();
+    CreateConsole();
     CreateScreenFade();
     CreatePixelCanvas();
     ResetTransition();
@@ -188,7 +199,7 @@ void UpdateGame(sf::RenderWindow& window, float dt) {
     bool mayAct = !flags.worldFrozen && !Transition().transitionActive && !flags.shopOpen;
     SetPlayerControllable(mayAct ? 1 : 0);
     if (flags.worldFrozen) {
-        RunOverlays();
+        RunOverlays(dt);
     } else {
         RunWorld(dt);
     }
@@ -227,6 +238,8 @@ void CleanupGame() {
     FreeSettingsScreen();
     FreeCredits();
     FreePauseMenu();
+    DestroyConsole();
+    DestroyExplanationPanel();
     DestroyScreenFade();
     DestroyPixelCanvas();
     DestroyPlayer();
