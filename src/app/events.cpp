@@ -15,6 +15,7 @@
 #include "menus/pause_menu.h"
 #include "menus/settings_files.h"
 #include "menus/settings_screen.h"
+#include "player/cloud.h"
 #include "player/player.h"
 #include "player/player_combat.h"
 #include "player/save.h"
@@ -89,18 +90,21 @@ void RouteJoystickConnection(const sf::Event& event) {
     }
 }
 
-// The triggers: pulling the left one (Z below -0.1) asks for a dash; the pad up drinks a potion.
+// The triggers: pulling the left one (Z below -0.1) asks for a dash, the right one (Z above 0.1)
+// makes a cloud; the pad up drinks a potion.
 void PlayerAxisMoved(const sf::Event& event) {
     Player& player = GetPlayer();
     int state = player.body.state;
-    bool trigger = InputJoystickAxis(0, sf::Joystick::Z) < -0.1f;
-    if (!player.body.parryRequest && trigger && (state == PLAYER_IDLE || state == PLAYER_WALK) &&
-        Save().abilities.canDash) {
+    float z = InputJoystickAxis(0, sf::Joystick::Z);
+    bool dashTrigger = z < -0.1f;
+    if (!player.body.parryRequest && dashTrigger &&
+        (state == PLAYER_IDLE || state == PLAYER_WALK) && Save().abilities.canDash) {
         player.body.dashRequest = 1;
     }
     if (event.joystickMove.axis == sf::Joystick::PovY && event.joystickMove.position > 0) {
         PlayerPadHeal();
     }
+    if (z > 0.1f) TryCreateCloud();
 }
 
 // Escape or gamepad button 7 in free play. The panel is made ready in every case.

@@ -211,12 +211,7 @@ void PlayerHitsEnemies() {
     if (!player.created) return;
     int damage = PlayerAttackDamage();
     if (damage == 0) return;
-    sf::FloatRect bounds = player.sprite->getGlobalBounds();
-    sf::Vector2f size(bounds.width * 0.5f, bounds.height * 0.6f);
-    player.attackBox.setSize(size);
-    player.attackBox.setPosition(bounds.left + bounds.width * 0.5f, bounds.top + bounds.height);
-    player.attackBox.setOrigin(player.sprite->getScale().x <= 0 ? size.x : 0, size.y);
-    sf::FloatRect attack = player.attackBox.getGlobalBounds();
+    sf::FloatRect attack = PlacePlayerAttackBox();
     for (int kind = 0; kind < ENEMY_KIND_COUNT; kind++) {
         for (int i = 0; i < EnemyCount(kind); i++) {
             if (IsEnemyDead(i, kind)) continue;

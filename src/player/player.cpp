@@ -6,8 +6,10 @@
 #include "app/input.h"
 #include "common/log.h"
 #include "menus/settings_files.h"
+#include "player/cloud.h"
 #include "player/player_combat.h"
 #include "player/save.h"
+#include "world/room_draw.h"
 
 namespace {
 
@@ -65,7 +67,7 @@ bool Button(unsigned button) {
 void CreateShapes() {
     player.bodyBox = sf::RectangleShape({80, 180});
     player.bodyBox.setOrigin(40, 180);
-    player.bodyBox.setFillColor(sf::Color(0, 0, 255, 90));
+    player.bodyBox.setFillColor(sf::Color(0, 255, 0, 50));
     auto sensor = [](sf::Vector2f size, sf::Vector2f origin) {
         sf::RectangleShape shape(size);
         shape.setOrigin(origin);
@@ -77,6 +79,22 @@ void CreateShapes() {
     player.sensors[CONTACT_RIGHT] = sensor({3, 126}, {0, 63});
     player.sensors[CONTACT_UP] = sensor({56, 1}, {28, 1});
     player.attackBox.setFillColor(sf::Color(255, 0, 0, 90));
+}
+
+// The debug view of the hero's boxes: where it can be hurt (green, outlined inside its bounds so
+// the drawing covers exactly what collides), where its sword reaches while striking (red) and the
+// four contact sensors (yellow).
+void DrawPlayerBoxes(sf::RenderTarget& target) {
+    if (PlayerStriking()) {
+        PlacePlayerAttackBox();
+        target.draw(player.attackBox);
+    }
+    sf::RectangleShape body = player.bodyBox;
+    body.setPosition(GetPlayerPosition());
+    body.setOutlineColor(sf::Color::Green);
+    body.setOutlineThickness(-2);
+    target.draw(body);
+    for (const sf::RectangleShape& sensor : player.sensors) target.draw(sensor);
 }
 
 // A random hurt pose, never the same twice in a row.
@@ -167,9 +185,11 @@ void CreatePlayer(sf::Vector2f spawnPosition) {
     LoadEffectList(player.parryEffects, "Assets/Sprites/FX/PlayerparryFX.png", {78, 76}, 5, 10);
     CreateShapes();
     player.created = true;
+    CreateCloudModule();
 }
 
 void DestroyPlayer() {
+    DestroyCloudModule();
     player = Player();
 }
 
@@ -203,8 +223,9 @@ void HandlePlayerKeyPressed(int key) {
     PlayerBody& body = player.body;
     if (!player.created) return;
     const SettingsValues& settings = Settings();
-    // A potion can be drunk whatever holds the hero's control.
+    // A potion can be drunk, and a cloud made, whatever holds the hero's control.
     if (key == settings.bindings[BINDING_HEAL]) PlayerDrinkPotion();
+    if (key == settings.bindings[BINDING_CLOUD]) TryCreateCloud();
     if (!body.controllable) return;
     int state = body.state;
     if (key == settings.bindings[BINDING_JUMP] && !DownHeld() &&
@@ -222,9 +243,11 @@ void HandlePlayerKeyPressed(int key) {
 
 void DrawPlayer(sf::RenderTarget& target) {
     if (!player.created) return;
+    DrawClouds(target);
     for (const Ghost& ghost : player.trail) target.draw(ghost.sprite);
     target.draw(*player.sprite);
     DrawEffects(target, player.parryEffects);
+    if (DebugOverlay()) DrawPlayerBoxes(target);
 }
 
 sf::Vector2f GetPlayerPosition() {

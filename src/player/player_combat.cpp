@@ -284,3 +284,19 @@ int PlayerAttackDamage() {
     if (damage == 0 || FrameNumber(state) != player.damageFrame[state]) return 0;
     return damage;
 }
+
+bool PlayerStriking() {
+    int state = P().body.state;
+    return IsLightAttack(state) || state == PLAYER_HEAVY_ATTACK_HIT ||
+           state == PLAYER_JUMP_ATTACK_HIT;
+}
+
+sf::FloatRect PlacePlayerAttackBox() {
+    Player& player = P();
+    sf::FloatRect bounds = player.sprite->getGlobalBounds();
+    sf::Vector2f size(bounds.width * 0.5f, bounds.height * 0.6f);
+    player.attackBox.setSize(size);
+    player.attackBox.setPosition(bounds.left + bounds.width * 0.5f, bounds.top + bounds.height);
+    player.attackBox.setOrigin(player.sprite->getScale().x <= 0 ? size.x : 0, size.y);
+    return player.attackBox.getGlobalBounds();
+}

@@ -2,6 +2,7 @@
 // taking damage, revival, potions and the slow regeneration of life.
 #pragma once
 
+#include <SFML/Graphics/Rect.hpp>
 #include <SFML/System/Vector2.hpp>
 
 // The damage an enemy hit deals to the hero, from where it came.
@@ -25,3 +26,7 @@ void PlayerPadHeal();
 
 // The damage of the hero's state when its damage frame shows, else 0.
 int PlayerAttackDamage();
+// In a striking state (a light attack, the heavy or the jump-attack blow).
+bool PlayerStriking();
+// The sword's reach: the front half of the frame, its lower 60 %, placed on the hero now.
+sf::FloatRect PlacePlayerAttackBox();

@@ -1,8 +1,9 @@
-// The hero's update: gravity, the movement states, collision with the room, the safe position,
-// the afterimage trail and the jump buffer.
+// The hero's update: gravity, the movement states, collision with the room and the clouds, the
+// safe position, the afterimage trail and the jump buffer.
 #include <algorithm>
 #include <cmath>
 
+#include "player/cloud.h"
 #include "player/player.h"
 #include "player/player_combat.h"
 #include "player/save.h"
@@ -417,9 +418,11 @@ void UpdatePlayer(float dt) {
     PushOutOfSolids();
     CatchOnOneWayPlatforms();
     ReadSensors();
+    StandOnClouds();
     UpdateDropThrough();
     UpdateSafePosition(dt);
     UpdateRegeneration(dt);
+    UpdateClouds(dt);
     UpdateTrail(dt);
     UpdateJumpBuffer(dt);
 }
