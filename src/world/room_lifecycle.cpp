@@ -2,6 +2,7 @@
 
 #include "enemies/enemies.h"
 #include "hud/boss_hud.h"
+#include "interactables/merchant.h"
 #include "interactables/statues.h"
 #include "world/camera.h"
 #include "world/doors.h"
@@ -27,6 +28,7 @@ void LoadNextTargetRoom(sf::RenderWindow& window, int roomNumber) {
     const Room& room = CurrentRoom();
     CreateDoorSprites(room.region);
     AddRoomStatues(roomNumber);
+    CreateMerchant();
     LoadBossHud();
     for (const EnemySpawn& spawn : room.enemySpawns) {
         AddEnemy(spawn.enemyType, spawn.position, spawn.containerId, room.region);
@@ -39,6 +41,7 @@ void CleanupRoom() {
     DestroyAllEnemies();
     ReleaseRoom();
     DestroyStatues();
+    DestroyMerchant();
     FreeDoorSprites();
 }
 
