@@ -184,6 +184,16 @@ TEST_F(CombatTest, OneSwingHurtsEveryTrashItTouchesOnce) {
     EXPECT_EQ(*GetEnemyLife(1, ENEMY_TRASH), 5);
 }
 
+TEST_F(CombatTest, EachWeaponUpgradeAddsOneToEveryBlow) {
+    WeaponDamageBonus() = 2;
+    AddTrashEnemy({600, kFloor}, 1, 0);
+    Click();
+    Release();
+    Fight(40);
+    WeaponDamageBonus() = 0;  // it outlives the test otherwise
+    EXPECT_EQ(*GetEnemyLife(0, ENEMY_TRASH), 6 - 3);
+}
+
 TEST_F(CombatTest, ATrashFacingAwayIgnoresTheHeroUntilHurt) {
     AddTrashEnemy({1200, kFloor}, 1, 0);
     GetEnemySprite(0, ENEMY_TRASH)->setScale(-3, 3);  // faces right, away from the hero

@@ -77,7 +77,7 @@ protected:
         PressInteract();
         ASSERT_EQ(Overlays().checkpointMenuOpen, 1);
         Update(90);
-        ASSERT_EQ(GetCheckpointMenu().menuOpening, 0);
+        ASSERT_EQ(GetCheckpointMenu().opening, 0);
     }
 
     // Where a world point shows on the 1920 x 1080 window.
@@ -109,7 +109,7 @@ protected:
     }
 
     static bool MenuFreed() {
-        const CheckpointMenu& menu = GetCheckpointMenu();
+        const WorldMenu& menu = GetCheckpointMenu();
         for (const Button& button : menu.buttons) {
             if (button.shape || button.text) return false;
         }
@@ -201,8 +201,8 @@ TEST_F(StatueTest, TwoOverlappingSpawnsBothSaveInOrderAndOnlyTheFirstOpensTheMen
     EXPECT_NE(log.find("OUI !OUI !"), std::string::npos);
     EXPECT_EQ(Save().checkpointID, 1);
     EXPECT_NE(ReadFile(kSavePath).find("checkpointID 1\nroomID 2\n"), std::string::npos);
-    EXPECT_EQ(GetCheckpointMenu().menuCheckpointPosition, statue);
-    EXPECT_EQ(GetCheckpointMenu().menuAnchor, statue + sf::Vector2f(280, -365));
+    EXPECT_EQ(GetCheckpointMenu().ownerPosition, statue);
+    EXPECT_EQ(GetCheckpointMenu().anchor, statue + sf::Vector2f(280, -365));
 }
 
 TEST_F(StatueTest, WalkingToTheStatueAndPressingInteractUnfoldsTheMenu) {
@@ -219,9 +219,9 @@ TEST_F(StatueTest, WalkingToTheStatueAndPressingInteractUnfoldsTheMenu) {
 
     std::string log = PressInteract();
     EXPECT_NE(log.find("OUI !"), std::string::npos);
-    const CheckpointMenu& menu = GetCheckpointMenu();
+    const WorldMenu& menu = GetCheckpointMenu();
     ASSERT_EQ(Overlays().checkpointMenuOpen, 1);
-    EXPECT_EQ(menu.menuOpening, 1);
+    EXPECT_EQ(menu.opening, 1);
     EXPECT_LT(menu.buttons[0].shape->getScale().y, 0.5f);  // still nearly flat
 
     // Unfolding: all three grow together at the anchor, then two slide down under the first.
@@ -234,11 +234,11 @@ TEST_F(StatueTest, WalkingToTheStatueAndPressingInteractUnfoldsTheMenu) {
         grown = std::max(grown, menu.buttons[0].shape->getScale().y);
     }
     EXPECT_GT(grown, 0.9f);
-    for (int i = 0; i < 90 && menu.menuOpening; i++) Frames(1);
-    ASSERT_EQ(menu.menuOpening, 0);
+    for (int i = 0; i < 90 && menu.opening; i++) Frames(1);
+    ASSERT_EQ(menu.opening, 0);
     Frames(2);
-    sf::Vector2f anchor = menu.menuAnchor;
-    EXPECT_EQ(anchor, menu.menuCheckpointPosition + sf::Vector2f(280, -365));
+    sf::Vector2f anchor = menu.anchor;
+    EXPECT_EQ(anchor, menu.ownerPosition + sf::Vector2f(280, -365));
     for (int i = 0; i < CHECKPOINT_BUTTON_COUNT; i++) {
         sf::Vector2f expected = anchor + sf::Vector2f(0, 65.0f * float(i));
         EXPECT_NEAR(menu.buttons[i].shape->getPosition().x, expected.x, 0.01f);
@@ -302,10 +302,10 @@ TEST_F(StatueTest, EachButtonAnswersTheMouseAndThePad) {
         SCOPED_TRACE(c.name);
         MoveCheckpointSelection(-CHECKPOINT_BUTTON_COUNT);
         std::string printed = c.act();
-        EXPECT_EQ(GetCheckpointMenu().selectedButton, c.selected);
+        EXPECT_EQ(GetCheckpointMenu().selected, c.selected);
         EXPECT_NE(printed.find(c.printed), std::string::npos);
         EXPECT_EQ(Overlays().checkpointMenuOpen, 1);
-        EXPECT_EQ(GetCheckpointMenu().menuClosing, 0);
+        EXPECT_EQ(GetCheckpointMenu().closing, 0);
     }
 }
 

@@ -9,6 +9,8 @@
 #include "hud/explanation_panel.h"
 #include "interactables/checkpoint_menu.h"
 #include "interactables/chests.h"
+#include "interactables/merchant.h"
+#include "interactables/shop.h"
 #include "interactables/statues.h"
 #include "menus/credits.h"
 #include "menus/main_menu.h"
@@ -110,7 +112,7 @@ void PlayerAxisMoved(const sf::Event& event) {
 // Escape or gamepad button 7 in free play. The panel is made ready in every case.
 void RequestPause() {
     OverlayFlags& flags = Overlays();
-    bool unfolding = CheckpointMenuOpening() || flags.merchantMenuOpening;
+    bool unfolding = CheckpointMenuOpening() || MerchantMenuOpening();
     if (GetMenuScreen() == MENU_SCREEN_LIST && !unfolding && !flags.mapOpen && !flags.shopOpen) {
         flags.pauseOpen = 1;
         flags.worldFrozen = 1;
@@ -133,10 +135,12 @@ void PauseKeyPressed(const sf::Event& event) {
     }
 }
 
-// The INTERACT action, only with the feet on the ground: resting at a statue, opening a chest.
+// The INTERACT action, only with the feet on the ground: resting at a statue, talking to the
+// blacksmith, opening a chest.
 void RunInteractAction() {
     if (!PlayerStanding()) return;
     Rest();
+    OpenMerchantMenu();
     OpenChests();
 }
 
@@ -164,6 +168,15 @@ void GameKeyPressed(const sf::Event& event) {
     }
     if (Overlays().checkpointMenuOpen) {
         if (key == sf::Keyboard::Escape) CloseCheckpointMenu();
+        return;
+    }
+    // The shop closes first; the blacksmith's menu stays, for another BUY or LEAVE.
+    if (Overlays().shopOpen) {
+        if (key == sf::Keyboard::Escape) CloseShop();
+        return;
+    }
+    if (Overlays().merchantMenuOpen) {
+        if (key == sf::Keyboard::Escape) CloseMerchantMenu();
         return;
     }
     if (InteractHeld(key)) {
@@ -212,6 +225,10 @@ void GameButtonPressed(sf::RenderWindow& window, unsigned button) {
         if (button == 0) ConfirmCheckpointSelection();
         return;
     }
+    if (Overlays().merchantMenuOpen) {
+        if (button == 0) ConfirmMerchantSelection();
+        return;
+    }
     if (button == 7) RequestPause();
     PlayerButtonPressed(button);
 }
@@ -222,6 +239,8 @@ void GameMouseMoved(const sf::RenderWindow& window, const sf::Event& event) {
     if (Overlays().pauseOpen) HoverPauseButtons(screen);
     const sf::View* view = GameView();
     if (view && Overlays().checkpointMenuOpen) HoverCheckpointMenu(ScreenToWorld(*view, screen));
+    if (view && Overlays().merchantMenuOpen) HoverMerchantMenu(ScreenToWorld(*view, screen));
+    if (Overlays().shopOpen) HoverShop(screen);
 }
 
 void GameMousePressed(sf::RenderWindow& window, const sf::Event& event) {
@@ -229,6 +248,9 @@ void GameMousePressed(sf::RenderWindow& window, const sf::Event& event) {
     if (left) PlayerAttackPressed();
     if (event.mouseButton.button == sf::Mouse::Right) PlayerHeavyPressed();
     if (Overlays().checkpointMenuOpen && left) PressCheckpointMenu();
+    // The shop first: the click that opens it from the menu buys nothing.
+    if (Overlays().shopOpen && left) PressShop();
+    if (Overlays().merchantMenuOpen && left) PressMerchantMenu();
     if (!Overlays().pauseOpen) return;
     if (GetMenuScreen() == MENU_SCREEN_SETTINGS) {
         SettingsMousePressed(event);
@@ -254,6 +276,8 @@ void GameAxisMoved(const sf::Event& event) {
             MovePauseSelection(step);
         } else if (Overlays().checkpointMenuOpen) {
             MoveCheckpointSelection(step);
+        } else if (Overlays().merchantMenuOpen) {
+            MoveMerchantSelection(step);
         }
     }
     PlayerAxisMoved(event);

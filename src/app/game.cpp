@@ -10,7 +10,9 @@
 #include "hud/player_hud.h"
 #include "interactables/checkpoint_menu.h"
 #include "interactables/chests.h"
+#include "interactables/merchant.h"
 #include "interactables/money.h"
+#include "interactables/shop.h"
 #include "interactables/statues.h"
 #include "menus/credits.h"
 #include "menus/pause_menu.h"
@@ -57,6 +59,13 @@ void CheckDeathZones() {
     }
 }
 
+// The middle of the hero's body along x, or 0 once he is dead.
+float HeroCenterX() {
+    if (GetPlayer().body.state == PLAYER_DEAD) return 0;
+    sf::FloatRect body = PlayerBodyBounds();
+    return body.left + body.width / 2;
+}
+
 void RunWorld(float dt) {
     sf::View& view = *GameCamera().view;
     sf::Listener::setPosition(view.getCenter().x, view.getCenter().y, 0);
@@ -74,6 +83,7 @@ void RunWorld(float dt) {
              : sf::Vector2f(body.left + body.width / 2, body.top + body.height / 2);
     UpdateEnemies(dt, target);
     FadeEnemyFlashes(dt);
+    UpdateMerchant(dt);
     UpdateStatueOutlines(PlayerBodyBounds());
     UpdateChestOutlines(PlayerBodyBounds());
     CheckDeathZones();
@@ -84,6 +94,11 @@ void RunWorld(float dt) {
         UpdateCheckpointMenu(GetPlayerPosition().x, dt);
         SetPlayerControllable(flags.checkpointMenuOpen ? 0 : 1);
     }
+    if (flags.merchantMenuOpen) {
+        UpdateMerchantMenu(GetPlayerPosition().x, dt);
+        SetPlayerControllable(flags.merchantMenuOpen ? 0 : 1);
+    }
+    if (flags.shopOpen) UpdateShop(HeroCenterX());
     UpdateRoomProximity(view.getCenter(), 1.21f * view.getSize().x, dt);
     if (Transition().respawnStep == 0) ClampViewToContainer();
     if (!Transition().transitionActive) CheckTransitionDoors();
@@ -124,6 +139,7 @@ bool FadeOverPanels() {
 
 void DrawWorld(sf::RenderTarget& target, const sf::View& seen) {
     DrawRoomBackgrounds(target);
+    DrawMerchant(target);
     DrawEnemies(target, false, true);
     DrawDoors(target);
     DrawRoomMiddleLayers(target);
@@ -148,8 +164,11 @@ void RunOverlays(float dt) {
 // The panels are laid out on 1920 x 1080 and go straight onto the window through a screen view,
 // covering the window whatever the camera's zoom.
 void DrawPanels(sf::RenderWindow& window) {
-    if (!flags.pauseOpen && !flags.explanationOpen && !flags.consoleOpen) return;
+    if (!flags.shopOpen && !flags.pauseOpen && !flags.explanationOpen && !flags.consoleOpen) {
+        return;
+    }
     window.setView(window.getDefaultView());
+    if (flags.shopOpen) DrawShop(window);
     if (flags.explanationOpen) DrawExplanationPanel(window);
     if (flags.pauseOpen) DrawPauseMenu(window);
     if (FadeOverPanels()) DrawFade(window, {0, 0, 1920, 1080});
@@ -215,6 +234,7 @@ void DrawGame(sf::RenderWindow& window) {
     PresentPixelCanvas(window);
     // The world's menus stand in the world but are drawn sharp, over the scaled-up canvas.
     window.setView(*GameCamera().view);
+    if (flags.merchantMenuOpen) DrawMerchantMenu(window);
     if (flags.checkpointMenuOpen) DrawCheckpointMenu(window);
     // The HUD goes on the window at full resolution. The fade is already on the world: the HUD
     // is darkened as much, which shows what the fade drawn over it would.

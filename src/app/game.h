@@ -14,8 +14,6 @@ struct OverlayFlags {
     int merchantMenuOpen = 0;
     int shopOpen = 0;
     int worldFrozen = 0;
-    // The checkpoint and merchant menus unfolding: no pause opens meanwhile.
-    int merchantMenuOpening = 0;
 };
 
 OverlayFlags& Overlays();

@@ -4,11 +4,8 @@
 #pragma once
 
 #include <SFML/Graphics.hpp>
-#include <array>
 
-#include "common/drawables.h"
-#include "common/motion.h"
-#include "common/ui.h"
+#include "interactables/world_menu.h"
 
 enum CheckpointButton {
     CHECKPOINT_TELEPORT = 0,
@@ -17,21 +14,7 @@ enum CheckpointButton {
     CHECKPOINT_BUTTON_COUNT = 3
 };
 
-struct CheckpointMenu {
-    int menuOpening = 0;  // unfolding, then the lower buttons sliding down
-    int menuClosing = 0;  // folding, once any opening has ended
-    int selectedButton = CHECKPOINT_TELEPORT;
-    sf::Vector2f menuCheckpointPosition;  // the statue rested at
-    sf::Vector2f menuAnchor;              // where the first button stands
-    std::array<Button, CHECKPOINT_BUTTON_COUNT> buttons;
-    Tween unfoldTween;
-    std::array<Tween, 2> slideTweens;  // buttons 1 and 2
-    Tween foldTween;
-    TexturePtr buttonTexture;
-    FontPtr font;
-};
-
-const CheckpointMenu& GetCheckpointMenu();
+const WorldMenu& GetCheckpointMenu();
 
 // Builds the three buttons flat at the anchor above the checkpoint, selects TELEPORT, marks the
 // menu open and takes the hero's control.

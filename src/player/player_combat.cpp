@@ -282,7 +282,12 @@ int PlayerAttackDamage() {
     if (state == PLAYER_HEAVY_ATTACK_HIT) damage = 3;
     if (state == PLAYER_JUMP_ATTACK_HIT) damage = 5;
     if (damage == 0 || FrameNumber(state) != player.damageFrame[state]) return 0;
-    return damage;
+    return damage + WeaponDamageBonus();
+}
+
+int& WeaponDamageBonus() {
+    static int bonus = 0;
+    return bonus;
 }
 
 bool PlayerStriking() {

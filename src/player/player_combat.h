@@ -24,9 +24,13 @@ void PlayerDrinkPotion();
 // The heal of the gamepad's vertical pad: any state, one potion fills the current segment.
 void PlayerPadHeal();
 
-// The damage of the hero's state when its damage frame shows, else 0.
+// The damage of the hero's state when its damage frame shows, else 0; the weapon's bonus is
+// added to every blow that deals damage.
 int PlayerAttackDamage();
 // In a striking state (a light attack, the heavy or the jump-attack blow).
 bool PlayerStriking();
 // The sword's reach: the front half of the frame, its lower 60 %, placed on the hero now.
 sf::FloatRect PlacePlayerAttackBox();
+// What the blacksmith's upgrades add to each blow. Like the money, it lasts as long as the
+// program runs and is never saved.
+int& WeaponDamageBonus();

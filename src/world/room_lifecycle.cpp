@@ -3,6 +3,7 @@
 #include "enemies/enemies.h"
 #include "hud/boss_hud.h"
 #include "interactables/chests.h"
+#include "interactables/merchant.h"
 #include "interactables/statues.h"
 #include "world/camera.h"
 #include "world/doors.h"
@@ -29,6 +30,7 @@ void LoadNextTargetRoom(sf::RenderWindow& window, int roomNumber) {
     CreateDoorSprites(room.region);
     AddRoomStatues(roomNumber);
     CreateChests();
+    CreateMerchant();
     LoadBossHud();
     for (const EnemySpawn& spawn : room.enemySpawns) {
         AddEnemy(spawn.enemyType, spawn.position, spawn.containerId, room.region);
@@ -42,6 +44,7 @@ void CleanupRoom() {
     ReleaseRoom();
     DestroyStatues();
     DestroyChests();
+    DestroyMerchant();
     FreeDoorSprites();
 }
 

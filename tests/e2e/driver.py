@@ -137,6 +137,10 @@ class Game:
     def key(self, name):
         subprocess.run(["xdotool", "key", name])
 
+    def type_text(self, text):
+        """Types text as the keyboard would, a character at a time."""
+        subprocess.run(["xdotool", "type", "--delay", "60", text])
+
     def key_down(self, name):
         if name not in self.held_keys:
             subprocess.run(["xdotool", "keydown", name])
