@@ -117,13 +117,6 @@ const std::vector<Gate> kGates = {
     {11, {1}, kDash, REACH_RUN},  // the broken bridge
 };
 
-// Doors beyond the dash gates that a hero a little stronger than ours reaches without the dash:
-// walking off the edge and jumping in the ledge grace, his head knocks the low roof and he falls
-// afresh from it, to within a couple of pixels of the far floor's corner (the simulation of the
-// real hero falls short by one update). The gaps of four tiles, one tile down, are too narrow to
-// hold with a margin; (room, door).
-const std::set<std::pair<int, int>> kDoorsBeyondGatesHeldByAHair = {{3, 1}, {3, 3}, {5, 2}};
-
 std::vector<ReachGoal> DoorGoals(const std::vector<int>& ids) {
     std::vector<ReachGoal> goals;
     for (int id : ids) goals.push_back(DoorGoal(id));
@@ -166,13 +159,7 @@ TEST_F(ReachInRooms, EachGateHoldsWithoutItsAbilityAndOpensWithIt) {
         for (int door : gate.beyond) {
             auto held =
                 CheckOutOfReach(Stronger(gate.room), kFromDoor0, gate.before, {DoorGoal(door)});
-            if (kDoorsBeyondGatesHeldByAHair.count({gate.room, door})) {
-                EXPECT_FALSE(held.empty()) << "room " << gate.room << " door " << door
-                                           << " holds now: take it off the list";
-                std::cout << "held by a hair:" << Lines(held) << "\n";
-            } else {
-                EXPECT_TRUE(held.empty()) << Lines(held);
-            }
+            EXPECT_TRUE(held.empty()) << Lines(held);
         }
         auto opened = CheckInReach(Weaker(gate.room), kFromDoor0, gate.before | gate.ability,
                                    DoorGoals(gate.beyond));
@@ -192,8 +179,7 @@ TEST_F(ReachInRooms, TheChestsLeadFromTheFirstCheckpointToTheCity) {
     EXPECT_TRUE(tour.doors.count({11, 1})) << "room 11's east door is not reached";
     EXPECT_EQ(tour.abilities[11] & kDashRun, kDashRun);
 
-    // Without the chests no door leads from the rooms before the gates into those beyond them,
-    // but for the gates known to hold by a hair.
+    // Without the chests no door leads from the rooms before the gates into those beyond them.
     const std::set<int> beyond = {4, 8, 9, 10, 11};
     RoomTour without = TourRooms(All(Margin::kStronger), 1, {true, 0}, false);
     EXPECT_TRUE(without.rooms.count(3)) << "without the chests the hero never reaches room 3";
@@ -203,8 +189,7 @@ TEST_F(ReachInRooms, TheChestsLeadFromTheFirstCheckpointToTheCity) {
             if (candidate.id == id) door = &candidate;
         }
         if (!door || beyond.count(room) || !beyond.count(door->targetedRoom)) continue;
-        EXPECT_TRUE(kDoorsBeyondGatesHeldByAHair.count({room, id}))
-            << "without the chests the hero leaves room " << room << " by door " << id
-            << " for room " << door->targetedRoom;
+        ADD_FAILURE() << "without the chests the hero leaves room " << room << " by door " << id
+                      << " for room " << door->targetedRoom;
     }
 }
