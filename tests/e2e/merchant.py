@@ -43,16 +43,27 @@ def add_money(game):
                          "(the console must exist)")
 
 
-def walk_to_the_blacksmith(game, right):
+def walk_to_the_blacksmith(game, keys):
+    """East until the blacksmith shows beside the hero, then short steps until the hero stands
+    within his reach (his zone reaches 132 px either side of him)."""
     smith = worn_only_by("Sprites/Merchant")
 
-    def beside(image):
+    def offset(image):
         him, hero = find(image, smith), game.hero(image)
-        return him is not None and hero is not None and hero.spot.x >= him.x - 80
+        return None if him is None or hero is None else him.x - hero.spot.x
 
-    with game.holding(right):
-        game.wait_for_screen(beside, "the hero beside the blacksmith", timeout=WALK_DEADLINE)
-    return game.wait_for_hero_at_rest()
+    with game.holding(keys["RIGHT"]):
+        game.wait_for_screen(lambda image: (offset(image) or 999) < 80,
+                             "the hero beside the blacksmith", timeout=WALK_DEADLINE)
+    for _ in range(10):
+        image = game.wait_for_hero_at_rest()
+        dx = offset(image)
+        if dx is not None and abs(dx) < 60:
+            return image
+        if dx is not None:
+            with game.holding(keys["RIGHT"] if dx > 0 else keys["LEFT"]):
+                time.sleep(min(0.15, abs(dx) / 700))
+    game.fail("the hero standing within 60 px of the blacksmith")
 
 
 def unfolded(image, before):
@@ -85,12 +96,16 @@ def main(binary):
     try:
         game.play()
         settings = game.read("Assets/Settings/BindingSettings.txt")
-        keys = {action: key_for(action, settings) for action in ("RIGHT", "INTERACT")}
+        keys = {action: key_for(action, settings) for action in ("RIGHT", "LEFT", "INTERACT")}
         add_money(game)
-        before = walk_to_the_blacksmith(game, keys["RIGHT"])
+        before = walk_to_the_blacksmith(game, keys)
         buy = open_menu(game, keys["INTERACT"], before)
         game.click(*buy)
-        shop, _ = game.wait_for_screen(shop_shown, "the shop panel with the potion's BUY")
+        try:
+            shop, _ = game.wait_for_screen(shop_shown, "the shop panel with the potion's BUY")
+        except AssertionError:
+            game.screenshot("merchant-no-shop")
+            raise
         game.screenshot("shop", shop)
         bought = game.count("potion +\n")
         game.click(*POTION_BUY)
