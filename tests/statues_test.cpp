@@ -15,13 +15,13 @@
 #include "player/player.h"
 #include "player/save.h"
 #include "support/fixture.h"
+#include "support/game_fixture.h"
 #include "world/camera.h"
 #include "world/room.h"
 #include "world/room_lifecycle.h"
 
 namespace {
 
-constexpr float kDt = 1.0f / 60.0f;
 const char* const kStatueFolder = "Assets/Sprites/Objects/Checkpoint";
 
 const char* const kRestedInRoom2 =
@@ -29,25 +29,11 @@ const char* const kRestedInRoom2 =
     "////////////////////\nABILITIES DATA :\ncanDash 0\ncanRun 0\nCanCreatePlatform 0\n"
     "potionCount 1\n";
 
-class StatueTest : public AppTest {
+class StatueTest : public GameRoomTest {
 protected:
     void SetUp() override {
-        AppTest::SetUp();
-        ClickAt(200, 594);  // PLAY: a new game in room 1
-        ASSERT_EQ(GetGameState(), GAME_STATE_GAME);
+        GameRoomTest::SetUp();
         GetPlayer().godMode = 1;  // the rooms' enemies are not what these tests are about
-    }
-
-    void Enter(int room) {
-        testing::internal::CaptureStdout();
-        CleanupRoom();
-        LoadNextTargetRoom(*app.window, room);
-        testing::internal::GetCapturedStdout();
-    }
-
-    // Game updates at a steady 60 per second, without events or drawing.
-    void Update(int frames) {
-        for (int i = 0; i < frames; i++) UpdateGame(*app.window, kDt);
     }
 
     // Room 2, the hero standing at the given distance from its statue.

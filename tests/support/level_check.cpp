@@ -15,30 +15,10 @@ using Faults = std::vector<std::string>;
 // Collision rectangles carry a 2 px outline that the game's bounds include; a few pixels either
 // way are the same place.
 constexpr float kSlack = 4;
-constexpr float kTile = 96;
 
 const std::array<const char*, 4> kDirectionNames = {"Left", "Right", "Up", "Down"};
 const std::array<int, 4> kOpposite = {TRANSITION_RIGHT, TRANSITION_LEFT, TRANSITION_DOWN,
                                       TRANSITION_UP};
-
-std::string Num(float value) {
-    return std::to_string(int(std::lround(value)));
-}
-
-std::string At(sf::Vector2f point) {
-    return "(" + Num(point.x) + ", " + Num(point.y) + ") [tile " +
-           std::to_string(int(std::floor(point.x / kTile))) + ", " +
-           std::to_string(int(std::floor(point.y / kTile))) + "]";
-}
-
-std::string RectText(const sf::FloatRect& rect) {
-    return "(" + Num(rect.left) + ", " + Num(rect.top) + ", " + Num(rect.width) + " x " +
-           Num(rect.height) + ")";
-}
-
-std::string RoomName(const Room& room) {
-    return "room " + std::to_string(room.roomNumber);
-}
 
 sf::FloatRect Bounds(const ShapePtr& shape) {
     return shape->getGlobalBounds();
@@ -506,6 +486,25 @@ void CheckBossShutIn(const Room& room, const Grid& shut, Faults& faults) {
 }
 
 }  // namespace
+
+std::string Num(float value) {
+    return std::to_string(int(std::lround(value)));
+}
+
+std::string At(sf::Vector2f point) {
+    return "(" + Num(point.x) + ", " + Num(point.y) + ") [tile " +
+           std::to_string(int(std::floor(point.x / kTile))) + ", " +
+           std::to_string(int(std::floor(point.y / kTile))) + "]";
+}
+
+std::string RectText(const sf::FloatRect& rect) {
+    return "(" + Num(rect.left) + ", " + Num(rect.top) + ", " + Num(rect.width) + " x " +
+           Num(rect.height) + ")";
+}
+
+std::string RoomName(const Room& room) {
+    return "room " + std::to_string(room.roomNumber);
+}
 
 std::vector<std::string> CheckLockedDoors(const Room& room) {
     Faults faults;

@@ -11,6 +11,16 @@
 
 #include "world/room.h"
 
+// One tile of a room, in world pixels.
+constexpr float kTile = 96;
+
+// How a fault names things: a number rounded to the pixel, a point with its tile, a rectangle,
+// a room.
+std::string Num(float value);
+std::string At(sf::Vector2f point);
+std::string RectText(const sf::FloatRect& rect);
+std::string RoomName(const Room& room);
+
 // The hero's body box, standing on its feet.
 constexpr float kHeroWidth = 80, kHeroHeight = 180;
 // How far a hero spawn may stand above its floor: arrivals and revivals drop onto it.

@@ -11,7 +11,6 @@
 
 namespace {
 
-constexpr float kTile = 96;
 constexpr float kUpdate = 1.0f / 60.0f;  // the game's fixed step
 // The hero's motion multiplies the walk by these for the run and the dash.
 constexpr float kRunFactor = 1.7f, kDashFactor = 3.0f;
@@ -27,33 +26,16 @@ constexpr int kLongestFlight = 600;
 constexpr int kForever = 1 << 20;
 constexpr float kHalfWidth = kHeroWidth / 2;
 
-std::string Num(float value) {
-    return std::to_string(int(std::lround(value)));
-}
-
 sf::Vector2f Feet(Place place) {
     return {(float(place.column) + 0.5f) * kTile, float(place.row) * kTile};
 }
 
+// A place names the tile it stands on; a point, the tile it lies in.
+using ::At;
 std::string At(Place place) {
     sf::Vector2f feet = Feet(place);
     return "(" + Num(feet.x) + ", " + Num(feet.y) + ") [tile " + std::to_string(place.column) +
            ", " + std::to_string(place.row) + "]";
-}
-
-std::string At(sf::Vector2f point) {
-    return "(" + Num(point.x) + ", " + Num(point.y) + ") [tile " +
-           std::to_string(int(std::floor(point.x / kTile))) + ", " +
-           std::to_string(int(std::floor(point.y / kTile))) + "]";
-}
-
-std::string RectText(const sf::FloatRect& rect) {
-    return "(" + Num(rect.left) + ", " + Num(rect.top) + ", " + Num(rect.width) + " x " +
-           Num(rect.height) + ")";
-}
-
-std::string RoomName(const Room& room) {
-    return "room " + std::to_string(room.roomNumber);
 }
 
 bool IsLockedDoor(const Room& room, const ShapePtr& shape) {
