@@ -128,6 +128,8 @@ TEST_F(ConsoleTest, GodTogglesAndHealsDebugTogglesAndKillsNeedExactWords) {
     EXPECT_EQ(DebugOverlay(), 1 - debug);
     Run("/debug ");
     EXPECT_EQ(DebugOverlay(), 1 - debug);
+    Run("/debug");
+    EXPECT_EQ(DebugOverlay(), debug);
 
     Run("/kill/players");
     EXPECT_NE(GetPlayer().body.state, PLAYER_DEAD);
