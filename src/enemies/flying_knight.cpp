@@ -18,8 +18,7 @@ namespace {
 const char* const kKnightTexture = "Assets/Sprites/Enemies/Flying Knight/GladiatorSpriteSheet.png";
 const char* const kSwordTexture = "Assets/Sprites/Enemies/Flying Knight/SwordSpriteSheet.png";
 const char* const kAnimData = "Assets/Sprites/Enemies/Flying Knight/FlyingKnightAnimData.txt";
-// The message names the sheet's path with a .txt ending: kept as players' logs have always shown
-// it.
+// The message has always named the sheet with a .txt ending; log readers look for it as it is.
 const char* const kMissingData =
     "FILE [Assets/Sprites/Enemies/Flying Knight/GladiatorSpriteSheet.txt] Cant' be open\n";
 const std::array<const char*, 2> kSounds = {
