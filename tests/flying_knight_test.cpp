@@ -14,6 +14,7 @@
 #include "interactables/money.h"
 #include "player/player_combat.h"
 #include "support/hero_fixture.h"
+#include "world/room_draw.h"
 
 namespace {
 
@@ -213,4 +214,25 @@ TEST_F(FlyingKnightTest, WithoutItsArtTheKnightFloatsHarmlessly) {
     KnightFacingTheHero();
     for (int f = 0; f < 600; f++) EnemiesOnly(1);
     EXPECT_EQ(GetPlayer().life, 100);
+}
+
+TEST_F(FlyingKnightTest, TheHitboxDisplayShowsTheKnightsHurtbox) {
+    AddFlyingKnightEnemy({3000, kFloor - 100}, 1);
+    sf::FloatRect body = GetEnemyHurtbox(0, ENEMY_FLYING_KNIGHT);
+    sf::RenderTexture canvas;
+    ASSERT_TRUE(canvas.create(100, 100));
+    // A corner of the hurtbox that the armour leaves empty.
+    canvas.setView(sf::View({body.left + 4, body.top + body.height - 4}, {100, 100}));
+    auto centre = [&canvas] {
+        canvas.clear(sf::Color::Black);
+        DrawEnemies(canvas, true, false);
+        canvas.display();
+        return canvas.getTexture().copyToImage().getPixel(50, 50);
+    };
+    EXPECT_EQ(centre(), sf::Color::Black);
+    DebugOverlay() = 1;
+    sf::Color shown = centre();
+    DebugOverlay() = 0;
+    EXPECT_GT(shown.b, 60);
+    EXPECT_LT(shown.r, 30);
 }
