@@ -7,6 +7,7 @@
 #include "common/log.h"
 #include "common/motion.h"
 #include "enemies/enemy_body.h"
+#include "enemies/flying_knight.h"
 #include "enemies/frog.h"
 #include "enemies/nomad.h"
 #include "enemies/plant.h"
@@ -30,6 +31,7 @@ std::array<const EnemyKindOps*, ENEMY_KIND_COUNT> MakeKinds() {
     kinds[ENEMY_TRASH] = &TrashKind();
     kinds[ENEMY_SLIME] = &SlimeKind();
     kinds[ENEMY_PLANT] = &PlantKind();
+    kinds[ENEMY_FLYING_KNIGHT] = &FlyingKnightKind();
     return kinds;
 }
 
