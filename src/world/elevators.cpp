@@ -355,6 +355,7 @@ void MoveCabin(Elevator& elevator, float dt, sf::Vector2f& player) {
     sf::Vector2f position = before;
     if (StepTween(travel.tween, position, goal->position, travel.duration, EASE_CUBIC_IN_OUT, dt)) {
         elevator.moving = 0;
+        position = goal->position;  // exactly, so that the cabin is found at its stop
     }
     sf::Vector2f delta = position - before;
     ShiftCabin(elevator, delta);
