@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include "support/fixture.h"
+#include "support/game_fixture.h"
 #include "world/camera.h"
 #include "world/elevators.h"
 #include "world/room.h"
@@ -26,6 +27,10 @@ const sf::FloatRect kAtLever1(10, 1260, 40, 80);
 const std::string kFreshState =
     "#Elevator ID : 4\nPos ID : 0\n- Lever ID : 0\nLever is active : 1\n- Lever ID : 1\n"
     "Lever is active : 1\n\n";
+
+Elevator& Cabin() {
+    return CurrentRoom().elevators.at(0);
+}
 
 json Property(const std::string& name, const std::string& type, json value) {
     return {{"name", name}, {"type", type}, {"value", value}};
@@ -117,7 +122,6 @@ protected:
         testing::internal::GetCapturedStdout();
         CreateElevatorDecorations();
     }
-    Elevator& Cabin() { return CurrentRoom().elevators.at(0); }
     std::string State() { return ReadFile(ElevatorStatePath(kRoom)); }
 
     // Runs frames until the cabin rests; returns how many it took.
@@ -284,7 +288,7 @@ TEST_F(ElevatorRoom, TheLongRideZoomsOutMidwayAndFitsTheRoomAfter) {
     Load();
     Camera& camera = GameCamera();
     UpdateCamera(kFrame, {960, 540});  // settles into following the hero
-    RideZoom(1.0f, 10.0f);  // the first fifth: no zoom yet
+    RideZoom(1.0f, 10.0f);             // the first fifth: no zoom yet
     EXPECT_EQ(camera.mode, CAMERA_FOLLOW);
     RideZoom(3.0f, 10.0f);
     EXPECT_EQ(camera.mode, CAMERA_BLEND);
@@ -306,4 +310,54 @@ TEST_F(ElevatorRoom, TheLongRideZoomsOutMidwayAndFitsTheRoomAfter) {
     camera.targetSize = {1920, 1080};
     UpdateElevatorRideZoom(12);
     EXPECT_EQ(camera.mode, CAMERA_FOLLOW);
+}
+
+namespace {
+
+// The same elevator in a city room of the game, on the city's own cabin tiles.
+class ElevatorGame : public GameRoomTest {
+protected:
+    static constexpr int kCityRoom = 90;
+
+    void SetUp() override {
+        GameRoomTest::SetUp();
+        json map = ElevatorMap();
+        map["properties"] = {Property("tsx name", "string", "City")};
+        json& tiles = map["layers"][0]["layers"][0]["layers"][1]["data"];
+        for (json& tile : tiles) {
+            if (tile == 10) tile = 44;  // the roof's middle
+            if (tile == 9) tile = 47;   // the floor's middle
+        }
+        std::filesystem::create_directories("Assets/Maps/Rooms");
+        WriteFile(RoomMapPath(kCityRoom), map.dump());
+        Enter(kCityRoom);
+    }
+};
+
+}  // namespace
+
+TEST_F(ElevatorGame, TheHeroRidesDownStandingOnTheFloorAndBackUp) {
+    StandAt(kRider);
+    // Where the hero's feet rest above a floor is the hero's own business: keep it all the way.
+    float above = kFloorTop - GetPlayerPosition().y;
+    ASSERT_LT(std::abs(above), 4.0f);
+    auto floor = [] { return Cabin().collisionShapes[0]->getPosition().y; };
+    TapAction(BINDING_INTERACT);
+    ASSERT_TRUE(Cabin().moving);
+    for (int i = 0; i < 130; i++) {
+        Update(1);
+        ASSERT_NEAR(floor() - GetPlayerPosition().y, above, 1.0f) << "frame " << i;
+    }
+    EXPECT_EQ(CurrentStopId(Cabin()), 1);
+    EXPECT_TRUE(PlayerStanding());
+    EXPECT_NEAR(GetPlayerPosition().y, kFloorTop + 960 - above, 1.0f);
+    Update(10);
+    TapAction(BINDING_INTERACT);
+    ASSERT_TRUE(Cabin().moving);
+    for (int i = 0; i < 130; i++) {
+        Update(1);
+        ASSERT_NEAR(floor() - GetPlayerPosition().y, above, 1.0f) << "frame " << i;
+    }
+    EXPECT_EQ(CurrentStopId(Cabin()), 0);
+    EXPECT_TRUE(PlayerStanding());
 }
