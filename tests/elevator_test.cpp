@@ -306,10 +306,17 @@ TEST_F(ElevatorRoom, TheLongRideZoomsOutMidwayAndFitsTheRoomAfter) {
     for (int i = 0; i < 320 && camera.mode == CAMERA_BLEND; i++) UpdateCamera(kFrame, {960, 540});
     testing::internal::GetCapturedStdout();
     EXPECT_EQ(camera.view->getSize(), fitted);
-    // Out of room 12, or with no cabin moving, the view is left alone.
-    camera.targetSize = {1920, 1080};
+    // With no cabin moving, the view is left alone.
     UpdateElevatorRideZoom(12);
     EXPECT_EQ(camera.mode, CAMERA_FOLLOW);
+    // A trip that ends while the view is out: it comes back once the blend is over.
+    RideZoom(3.0f, 10.0f);
+    RideZoom(0, 10.0f);
+    EXPECT_EQ(camera.targetSize, sf::Vector2f(3840, 2160));  // not while the blend runs
+    for (int i = 0; i < 320 && camera.mode == CAMERA_BLEND; i++) UpdateCamera(kFrame, {960, 540});
+    RideZoom(0, 10.0f);
+    EXPECT_EQ(camera.mode, CAMERA_BLEND);
+    EXPECT_EQ(camera.targetSize, fitted);
 }
 
 namespace {

@@ -593,11 +593,14 @@ void UpdateLeverHighlights(const sf::FloatRect& hitbox) {
 
 void RideZoom(float elapsed, float duration) {
     const Camera& camera = GameCamera();
-    if (!camera.view || camera.mode == CAMERA_BLEND || elapsed <= 0) return;
+    if (!camera.view || camera.mode == CAMERA_BLEND) return;
     sf::Vector2f wide(3840, 2160);
-    if (elapsed > 0.2f * duration && elapsed < 0.6f * duration) {
+    // A trip shorter than the blends ends with the view still out: it comes back after.
+    bool riding = elapsed > 0;
+    if (!riding && camera.targetSize != wide) return;
+    if (riding && elapsed > 0.2f * duration && elapsed < 0.6f * duration) {
         if (camera.targetSize != wide) StartZoomBlend(wide);
-    } else if (elapsed >= 0.6f * duration && CurrentRoom().cameraContainer) {
+    } else if ((!riding || elapsed >= 0.6f * duration) && CurrentRoom().cameraContainer) {
         sf::Vector2f fitted = FitViewSize(CurrentRoom().cameraContainer->getSize());
         if (camera.targetSize != fitted) StartZoomBlend(fitted);
     }

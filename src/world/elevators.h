@@ -68,7 +68,8 @@ void InteractWithElevators(const sf::FloatRect& hitbox);
 void UpdateLeverHighlights(const sf::FloatRect& hitbox);
 // Room 12's long ride: the view zooms out in the middle of the trip and back in after.
 void UpdateElevatorRideZoom(int roomNumber);
-// The zoom's decision for a ride `elapsed` seconds into a trip of `duration` seconds.
+// The zoom's decision for a ride `elapsed` seconds into a trip of `duration` seconds (elapsed 0:
+// no cabin moves, and a view left out by a short trip comes back).
 void RideZoom(float elapsed, float duration);
 
 enum ElevatorPart { ELEVATOR_LEVERS = 0, ELEVATOR_SPARKS = 1, ELEVATOR_GEARS = 2 };
