@@ -264,6 +264,18 @@ TEST_F(ElevatorRoom, TheStateFileKeepsTheCabinAndLeversAcrossVisits) {
     EXPECT_TRUE(Cabin().callTrigger->getGlobalBounds().contains(rider));
     EXPECT_EQ(Cabin().levers[0].active, 1);
     EXPECT_EQ(Cabin().levers[1].active, 0);
+
+    // Left in the middle of a trip, the cabin is found where it was going.
+    Cabin().levers[1].active = 1;
+    sf::FloatRect inCabin = kInCabin;
+    inCabin.top += 960;
+    InteractWithElevators(inCabin);
+    for (int i = 0; i < 30; i++) UpdateElevators(kFrame, away, {});
+    ASSERT_EQ(CurrentStopId(Cabin()), -1);
+    testing::internal::CaptureStdout();
+    ReleaseRoom();
+    testing::internal::GetCapturedStdout();
+    EXPECT_EQ(State(), kFreshState);
 }
 
 TEST_F(ElevatorRoom, ADamagedStateFileIsReportedAndReplacedByTheMapsState) {

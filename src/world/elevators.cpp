@@ -1,5 +1,6 @@
 #include "world/elevators.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <sstream>
