@@ -21,6 +21,7 @@
 #include "player/player.h"
 #include "player/player_combat.h"
 #include "player/save.h"
+#include "world/elevators.h"
 #include "world/room_draw.h"
 
 namespace {
@@ -141,6 +142,7 @@ void RunInteractAction() {
     if (!PlayerStanding()) return;
     Rest();
     OpenMerchantMenu();
+    InteractWithElevators(PlayerBodyBounds());
     OpenChests();
 }
 

@@ -21,6 +21,7 @@
 #include "player/save.h"
 #include "world/camera.h"
 #include "world/doors.h"
+#include "world/elevators.h"
 #include "world/pixel_canvas.h"
 #include "world/room.h"
 #include "world/room_draw.h"
@@ -66,6 +67,13 @@ float HeroCenterX() {
     return body.left + body.width / 2;
 }
 
+// A riding hero goes where the cabin takes him.
+void RideElevators(float dt) {
+    sf::Vector2f position = GetPlayerPosition();
+    UpdateElevators(dt, position, PlayerBodyBounds());
+    if (position != GetPlayerPosition()) SetPlayerPosition(position);
+}
+
 void RunWorld(float dt) {
     sf::View& view = *GameCamera().view;
     sf::Listener::setPosition(view.getCenter().x, view.getCenter().y, 0);
@@ -84,7 +92,9 @@ void RunWorld(float dt) {
     UpdateEnemies(dt, target);
     FadeEnemyFlashes(dt);
     UpdateMerchant(dt);
+    RideElevators(dt);
     UpdateStatueOutlines(PlayerBodyBounds());
+    UpdateLeverHighlights(PlayerBodyBounds());
     UpdateChestOutlines(PlayerBodyBounds());
     CheckDeathZones();
     CheckLockedDoorTriggers(PlayerBodyBounds());
@@ -107,6 +117,7 @@ void RunWorld(float dt) {
     UpdateMoney(dt, {body.left + 0.5f * body.width, body.top + 0.45f * body.height});
     EnemiesHitPlayer();
     PlayerHitsEnemies();
+    UpdateElevatorRideZoom(CurrentRoom().roomNumber);
     UpdateChests(dt, GetPlayerPosition());
 }
 
@@ -140,15 +151,18 @@ bool FadeOverPanels() {
 void DrawWorld(sf::RenderTarget& target, const sf::View& seen) {
     DrawRoomBackgrounds(target);
     DrawMerchant(target);
+    DrawElevatorParts(target, ELEVATOR_GEARS);
     DrawEnemies(target, false, true);
     DrawDoors(target);
     DrawRoomMiddleLayers(target);
     DrawRoomDebug(target);
     DrawStatues(target);
     DrawChests(target);
+    DrawElevatorParts(target, ELEVATOR_SPARKS);
     DrawEnemies(target, true, false);
     DrawCoins(target);
     DrawPlayer(target);
+    DrawElevatorParts(target, ELEVATOR_LEVERS);
     DrawRoomForeground(target);
     DrawDamageVignette(target, seen);
     if (!FadeOverPanels()) DrawFade(target, PixelCanvasArea());

@@ -295,6 +295,7 @@ void ResetRoomContents(int roomNumber) {
     room.chestSpawns.clear();
     room.tileAnimations.clear();
     room.doorLists.clear();
+    room.elevators.clear();
     room.hasMerchant = 0;
     room.roomNumber = roomNumber;
     room.loaded = false;
@@ -312,6 +313,15 @@ void CreateProximityCircle() {
 
 void FreeLoadingScreen() {
     loading = LoadingScreen();
+}
+
+// A cabin's floor moves with it: its entries share the cabin's rectangles.
+void LinkElevatorCollisions() {
+    for (const Elevator& elevator : room.elevators) {
+        for (const ShapePtr& shape : elevator.collisionShapes) {
+            room.collisions.push_back({shape, COLLISION_SOLID, 1});
+        }
+    }
 }
 
 // Doors block through the room's collisions: each shares its rectangle with its entry.
@@ -367,7 +377,12 @@ void LoadRoomMap(sf::RenderWindow& window, const std::string& mapPath, int tileS
         room.layers.push_back({layer.name, {}});
         if (layer.hasData) BuildTileLayer(layer, tileset, int(room.layers.size()) - 1);
         ReadLayerContents(layer);
+        if (layer.name == "Elevator group" && layer.type == "group") {
+            BuildElevators(layer, tileset, room.tilesetTexture.get(), room.scale, room.elevators);
+            LoadElevatorStates();
+        }
     }
+    LinkElevatorCollisions();
     LinkDoorCollisions();
     FreeTiledTileset(tileset);
     FreeTiledMap(map);
@@ -377,6 +392,7 @@ void LoadRoomMap(sf::RenderWindow& window, const std::string& mapPath, int tileS
 }
 
 void ReleaseRoom() {
+    if (!room.elevators.empty()) SaveElevatorStates();
     room.cameraContainer.reset();
     room.merchantZone.reset();
     int number = room.roomNumber;

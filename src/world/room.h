@@ -11,6 +11,7 @@
 
 #include "common/drawables.h"
 #include "world/doors.h"
+#include "world/elevators.h"
 
 using ShapePtr = std::shared_ptr<sf::RectangleShape>;
 
@@ -112,6 +113,7 @@ struct Room {
     std::vector<ChestSpawn> chestSpawns;
     std::vector<TileAnimation> tileAnimations;
     std::vector<DoorList> doorLists;
+    std::vector<Elevator> elevators;
     ShapePtr cameraContainer;
     ShapePtr merchantZone;
     sf::Vector2f merchantPosition;

@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "world/elevators.h"
 #include "world/pixel_canvas.h"
 #include "world/room.h"
 
@@ -102,7 +103,9 @@ void DrawRoomBackgrounds(sf::RenderTarget& target) {
 void DrawRoomMiddleLayers(sf::RenderTarget& target) {
     sf::FloatRect visible = VisibleArea(target);
     for (const RoomLayer& layer : CurrentRoom().layers) {
-        if (layer.name != "Background" && layer.name != "Foreground") {
+        if (layer.name == "Elevator group") {
+            DrawElevatorCabins(target);
+        } else if (layer.name != "Background" && layer.name != "Foreground") {
             DrawTiles(target, layer, visible);
         }
     }
@@ -125,6 +128,7 @@ void DrawRoomDebug(sf::RenderTarget& target) {
     for (const EnemyContainer& container : room.enemyContainers) target.draw(*container.shape);
     // The stored death zones show too, so a level designer sees every hazard at once.
     for (const DeathZone& zone : room.deathZones) target.draw(*zone.shape);
+    DrawElevatorDebug(target);
     if (room.cameraContainer) target.draw(*room.cameraContainer);
     if (room.proximityCircle) target.draw(*room.proximityCircle);
 }

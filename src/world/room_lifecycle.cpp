@@ -7,6 +7,7 @@
 #include "interactables/statues.h"
 #include "world/camera.h"
 #include "world/doors.h"
+#include "world/elevators.h"
 #include "world/room.h"
 
 namespace {
@@ -27,6 +28,7 @@ void LoadNextTargetRoom(sf::RenderWindow& window, int roomNumber) {
         camera.view->setSize(fitted);
     }
     const Room& room = CurrentRoom();
+    CreateElevatorDecorations();
     CreateDoorSprites(room.region);
     AddRoomStatues(roomNumber);
     CreateChests();
@@ -46,6 +48,7 @@ void CleanupRoom() {
     DestroyChests();
     DestroyMerchant();
     FreeDoorSprites();
+    DestroyElevatorDecorations();
 }
 
 int CurrentRoomNumber() {

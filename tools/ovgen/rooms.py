@@ -386,6 +386,7 @@ class Objects:
                        ("Trigger", "Player", "TransitionDoor", "Enemies", "DeathZone",
                         "CameraContainer", "Pnj", "Chest")}
         self.door_groups = {}  # group id -> dict(kill=n, doors=[(x, y, w, h, closed)])
+        self.elevators = []    # dicts from _elevator, in source order
 
     def rect(self, layer, name, x, y, w, h, props=None):
         self.layers[layer].append(dict(name=name, x=x, y=y, width=w, height=h, point=False,
@@ -477,6 +478,46 @@ def _lockdoor_box(room, letter, line):
     return x0, y0, x1, y1
 
 
+def _cabin_box(room, letter, line, what):
+    x0, y0, x1, y1 = room.area(letter, line)
+    if len(room.anchors(letter)) != (x1 - x0 + 1) * (y1 - y0 + 1):
+        raise SourceError(f"line {line}: the cells '{letter}' do not form a rectangle")
+    if y1 - y0 + 1 != 2 or x1 - x0 + 1 < 2:
+        raise SourceError(f"line {line}: {what} '{letter}' must be 2 tiles tall and at least 2 wide")
+    return x0, y0, x1, y1
+
+
+def _elevator(room, words, line):
+    """elevator <id> <cabin> <stop> <lever> <lever>: the cabin's cells at its first stop, the
+    cells it fills at its second stop, and the cell of the lever at each stop (it stands on the
+    floor under its letter). In map px: the stops are the cabin's bottom centre at each end, the
+    call trigger spans the cabin from half its height above it down to its floor row."""
+    eid, cabin, stop, levers = int(words[1]), words[2], words[3], words[4:]
+    if len(levers) != 2:
+        raise SourceError(f"line {line}: an elevator has two levers, one at each stop")
+    x0, y0, x1, y1 = _cabin_box(room, cabin, line, "the cabin")
+    sx0, sy0, sx1, sy1 = _cabin_box(room, stop, line, "the second stop")
+    if (sx1 - sx0, sy1 - sy0) != (x1 - x0, y1 - y0):
+        raise SourceError(f"line {line}: the second stop '{stop}' is not the cabin's size")
+    width = (x1 - x0 + 1) * T
+    stops = [((x0 + x1 + 1) / 2 * T, (y1 + 1) * T), ((sx0 + sx1 + 1) / 2 * T, (sy1 + 1) * T)]
+    placed = []
+    for k, letter in enumerate(levers):
+        lx0, ly0, lx1, ly1 = room.area(letter, line)
+        floor = _floor_below(room, lx0, ly1 + 1)
+        if floor is None:
+            raise SourceError(f"line {line}: the lever '{letter}' has no floor under it")
+        px, py = (lx0 + lx1 + 1) / 2 * T, floor * T
+        placed.append(dict(id=k, x=px, y=py, zone=(px - 48, py - 80, 96, 80)))
+    tiles = {}
+    for x in range(x0, x1 + 1):
+        part = 0 if x == x0 else 2 if x == x1 else 1
+        tiles[(x, y0)] = tc.CABIN_ROOF[part]
+        tiles[(x, y1)] = tc.CABIN_FLOOR[part]
+    return dict(id=eid, stops=stops, tiles=tiles, levers=placed,
+                trigger=(x0 * T, y0 * T - T, width, 3 * T))
+
+
 def objects(room):
     obj = Objects()
     doors, containers = [], {}
@@ -565,6 +606,8 @@ def objects(room):
                 obj.door_groups[gid]["doors"].append(
                     (x0 * T, y0 * T, (x1 - x0 + 1) * T, (y1 - y0 + 1) * T,
                      words[3:] == ["closed"]))
+            elif key == "elevator":
+                obj.elevators.append(_elevator(room, words, line))
             elif key == "locktrigger":
                 # locktrigger <id> <letter>: stepping into the letter's cells closes group <id>
                 gid, letter = int(words[1]), words[2]
@@ -691,6 +734,9 @@ def build(room):
         layers.append({"id": top_id, "layers": groups, "name": "Door group", "opacity": 1,
                        "type": "group", "visible": True, "x": 0, "y": 0})
 
+    if obj.elevators:
+        layers.append(_elevator_group(room, obj.elevators, next_id))
+
     return {
         "compressionlevel": -1, "height": room.height, "infinite": False, "layers": layers,
         "nextlayerid": ids["layer"] + 1, "nextobjectid": ids["object"] + 1,
@@ -701,6 +747,53 @@ def build(room):
         "tilesets": [{"firstgid": 1, "source": f"../Tilesets/Tileset-{room.region}.json"}],
         "tilewidth": T, "type": "map", "version": FORMAT_VERSION, "width": room.width,
     }
+
+
+def _object(next_id, name, x, y, w=0, h=0, point=False, props=None):
+    o = {"height": _num(h), "id": next_id("object"), "name": name}
+    if point:
+        o["point"] = True
+    if props:
+        o["properties"] = props
+    o.update({"rotation": 0, "type": "", "visible": True, "width": _num(w), "x": _num(x),
+              "y": _num(y)})
+    return o
+
+
+def _object_layer(next_id, name, objects_):
+    return {"draworder": "topdown", "id": next_id("layer"), "name": name, "objects": objects_,
+            "opacity": 1, "type": "objectgroup", "visible": True, "x": 0, "y": 0}
+
+
+def _elevator_group(room, elevators, next_id):
+    """The "Elevator group": per cabin its stops and call trigger (read first, so the cabin
+    finds its first stop), its tile layer (the first property is its id), its "Lever group"."""
+    top_id = next_id("layer")
+    cabins = []
+    for e in elevators:
+        group_id = next_id("layer")
+        stops = [_object(next_id, "", x, y, point=True, props=_props(id=k))
+                 for k, (x, y) in enumerate(e["stops"])]
+        stops.append(_object(next_id, "Trigger", *e["trigger"]))
+        data = [0] * (room.width * room.height)
+        for (x, y), tile in e["tiles"].items():
+            data[y * room.width + x] = tile + 1
+        cabin = {"data": data, "height": room.height, "id": next_id("layer"), "name": "Cabin",
+                 "opacity": 1, "properties": _props(id=e["id"]), "type": "tilelayer",
+                 "visible": True, "width": room.width, "x": 0, "y": 0}
+        levers = [_object_layer(next_id, f"Lever {lv['id']}",
+                                [_object(next_id, "", *lv["zone"]),
+                                 _object(next_id, "", lv["x"], lv["y"], point=True,
+                                         props=_props(id=lv["id"], isActive=True))])
+                  for lv in e["levers"]]
+        lever_group = {"id": next_id("layer"), "layers": levers, "name": "Lever group",
+                       "opacity": 1, "type": "group", "visible": True, "x": 0, "y": 0}
+        cabins.append({"id": group_id, "layers": [_object_layer(next_id, "Stops", stops), cabin,
+                                                  lever_group],
+                       "name": f"Elevator {e['id']}", "opacity": 1, "type": "group",
+                       "visible": True, "x": 0, "y": 0})
+    return {"id": top_id, "layers": cabins, "name": "Elevator group", "opacity": 1,
+            "type": "group", "visible": True, "x": 0, "y": 0}
 
 
 def dumps(tmap):

@@ -35,6 +35,11 @@ TOP_VARIANT = [_at(1, c) for c in range(12, 16)]  # alternatives for TERRAIN[E |
 ONEWAY_LEFT, ONEWAY_MIDDLE, ONEWAY_RIGHT, ONEWAY_SINGLE = (_at(2, c) for c in range(4))
 BRIDGE_LEFT, BRIDGE_MIDDLE, BRIDGE_RIGHT, BRIDGE_SINGLE = (_at(2, c) for c in range(4, 8))
 SPIKES = [_at(2, 8), _at(2, 9)]  # sit on a floor tile's top; the room adds a death zone
+# The elevator cabin, two tiles tall: a roof row (left, middle, right) over a floor row whose
+# tiles each carry one solid rectangle CABIN_DECK px below their top (the cabin's floor).
+CABIN_ROOF = [_at(2, c) for c in range(10, 13)]
+CABIN_FLOOR = [_at(2, c) for c in range(13, 16)]
+CABIN_DECK, CABIN_DECK_HEIGHT = 5, 10
 
 # Row 3: small decoration standing on the ground (no collision): drawn in a middle layer above
 # the terrain. Forest: grass, flowers, rocks, mushrooms, bushes, skull, sign, fern, stump.
@@ -95,6 +100,8 @@ def collision_of(index):
         return [(0, 0, TILE, TILE, 0)]
     if index in ONE_WAY:
         return [(0, 0, TILE, ONE_WAY_HEIGHT, 1)]
+    if index in CABIN_FLOOR:
+        return [(0, CABIN_DECK, TILE, CABIN_DECK_HEIGHT, 0)]
     return []
 
 

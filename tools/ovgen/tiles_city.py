@@ -231,6 +231,41 @@ def scaffold(role):
     return c
 
 
+def cabin(row, part):
+    """The elevator cabin: an iron cage under a hanger beam (row 0), its deck and truss (row 1);
+    part 0 left, 1 middle, 2 right. The deck's top is tc.CABIN_DECK px down the floor row."""
+    c = canvas()
+    yy, xx = px.grid(T, T)
+    deck0, deck1 = tc.CABIN_DECK, tc.CABIN_DECK + tc.CABIN_DECK_HEIGHT
+    bars = (xx.astype(int) % 8 == 3)
+    if row == 0:
+        shade(c, rect(T, T, 0, 4, T, 10), IRON[1:4])
+        fill(c, rect(T, T, 0, 10, T, 11), IRON[0])
+        for x in range(2, T, 8):
+            fill(c, pixels(T, T, [(x, 6)]), COPPER[3])
+        fill(c, bars & (yy >= 11), IRON[2])
+        if part == 1:
+            hook = lines(T, T, [(16, 0), (16, 4)], 2)
+            shade(c, hook, IRON[1:4])
+    else:
+        fill(c, bars & (yy < deck0), IRON[2])
+        shade(c, rect(T, T, 0, deck0, T, deck1), IRON[1:4])
+        fill(c, rect(T, T, 0, deck0, T, deck0 + 1), COPPER[3])
+        for x in range(4, T, 8):
+            fill(c, pixels(T, T, [(x, deck0 + 4)]), COPPER[2])
+        truss = (lines(T, T, [(0, deck1), (16, 26)]) | lines(T, T, [(31, deck1), (16, 26)])) & (yy >= deck1)
+        if part != 1:
+            truss = lines(T, T, [(0, deck1), (0, 22)], 2) if part == 0 else lines(T, T, [(30, deck1), (30, 22)], 2)
+            truss |= rect(T, T, 0, deck1, T, deck1 + 2)
+        fill(c, truss, IRON[1])
+    if part != 1:
+        post = rect(T, T, 0, 0 if row else 4, 3, deck1 if row else T)
+        shade(c, post, IRON[1:4])
+        if part == 2:
+            c = mirror_x(c)
+    return c
+
+
 def iron_spikes(k):
     c = canvas()
     yy, xx = px.grid(T, T)
@@ -809,6 +844,9 @@ def draw_tiles():
         tiles[tc.BRIDGE_LEFT + role] = scaffold(role)
     for k, index in enumerate(tc.SPIKES):
         tiles[index] = iron_spikes(k)
+    for part in range(3):
+        tiles[tc.CABIN_ROOF[part]] = cabin(0, part)
+        tiles[tc.CABIN_FLOOR[part]] = cabin(1, part)
     for k in range(16):
         tiles[tc.DECO_GROUND[k]] = deco_ground(k)
         tiles[tc.DECO_HANG[k]] = deco_hang(k)
