@@ -13,48 +13,13 @@
 #include "hud/boss_hud.h"
 #include "interactables/money.h"
 #include "player/player_combat.h"
-#include "support/hero_fixture.h"
+#include "support/enemy_fixture.h"
 #include "world/room_draw.h"
 
 namespace {
 
-class FlyingKnightTest : public HeroTest {
+class FlyingKnightTest : public EnemyTest {
 protected:
-    void SetUp() override {
-        HeroTest::SetUp();
-        LoadEnemyAssets();
-        AddContainer({-1000, kFloor - 800, 8000, 800});
-        Money().money = Money().moneyShown = 0;
-    }
-    void TearDown() override {
-        DestroyEnemyAssets();
-        DestroyMoney();
-        Money().money = Money().moneyShown = 0;
-        HeroTest::TearDown();
-    }
-    static void AddContainer(sf::FloatRect rect) {
-        auto shape = std::make_shared<sf::RectangleShape>(sf::Vector2f(rect.width, rect.height));
-        shape->setPosition(rect.left, rect.top);
-        CurrentRoom().enemyContainers = {{shape, 1}};
-    }
-    static sf::Vector2f Target() {
-        sf::FloatRect body = PlayerBodyBounds();
-        return {body.left + body.width / 2, body.top + body.height / 2};
-    }
-    static void EnemiesOnly(int frames) {
-        for (int i = 0; i < frames; i++) {
-            UpdateEnemies(kDt, Target());
-            EnemiesHitPlayer();
-        }
-    }
-    static void Fight(int frames) {
-        for (int i = 0; i < frames; i++) {
-            UpdatePlayer(kDt);
-            UpdateEnemies(kDt, State() == PLAYER_DEAD ? sf::Vector2f() : Target());
-            EnemiesHitPlayer();
-            PlayerHitsEnemies();
-        }
-    }
     static float KnightX(int index) { return GetEnemyPosition(index, ENEMY_FLYING_KNIGHT).x; }
     // A knight 600 px left of the hero, facing them: it notices them at once.
     static void KnightFacingTheHero() {
