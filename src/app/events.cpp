@@ -13,6 +13,7 @@
 #include "interactables/shop.h"
 #include "interactables/statues.h"
 #include "menus/credits.h"
+#include "menus/ending.h"
 #include "menus/main_menu.h"
 #include "menus/pause_menu.h"
 #include "menus/settings_files.h"
@@ -156,6 +157,10 @@ bool InteractHeld(int pressedKey) {
 void GameKeyPressed(const sf::Event& event) {
     int key = event.key.code;
     OverlayFlags& flags = Overlays();
+    if (EndingRunning()) {
+        EndingSkipPressed();
+        return;
+    }
     if (flags.consoleOpen) {
         ConsoleKeyPressed(key, flags.consoleOpen);
         return;
@@ -212,6 +217,10 @@ void PlayerButtonPressed(unsigned button) {
 }
 
 void GameButtonPressed(sf::RenderWindow& window, unsigned button) {
+    if (EndingRunning()) {
+        EndingSkipPressed();
+        return;
+    }
     if (Overlays().pauseOpen) {
         // Button 0 on RESUME is polled by the game update.
         if (GetMenuScreen() == MENU_SCREEN_LIST && button == 0) {
@@ -246,6 +255,10 @@ void GameMouseMoved(const sf::RenderWindow& window, const sf::Event& event) {
 }
 
 void GameMousePressed(sf::RenderWindow& window, const sf::Event& event) {
+    if (EndingRunning()) {
+        EndingSkipPressed();
+        return;
+    }
     bool left = event.mouseButton.button == sf::Mouse::Left;
     if (left) PlayerAttackPressed();
     if (event.mouseButton.button == sf::Mouse::Right) PlayerHeavyPressed();

@@ -2,6 +2,7 @@
 
 #include <SFML/Audio/Listener.hpp>
 
+#include "app/game_state.h"
 #include "app/region_music.h"
 #include "common/log.h"
 #include "debug/console.h"
@@ -15,6 +16,7 @@
 #include "interactables/shop.h"
 #include "interactables/statues.h"
 #include "menus/credits.h"
+#include "menus/ending.h"
 #include "menus/pause_menu.h"
 #include "menus/settings_screen.h"
 #include "player/player.h"
@@ -165,6 +167,7 @@ void DrawWorld(sf::RenderTarget& target, const sf::View& seen) {
     DrawElevatorParts(target, ELEVATOR_LEVERS);
     DrawRoomForeground(target);
     DrawDamageVignette(target, seen);
+    DrawEndingLight(target, PixelCanvasArea());
     if (!FadeOverPanels()) DrawFade(target, PixelCanvasArea());
     if (Transition().respawnStep >= 1 && !flags.worldFrozen) DrawPlayer(target);
 }
@@ -227,9 +230,18 @@ void LoadGame(sf::RenderWindow& window) {
 
 void UpdateGame(sf::RenderWindow& window, float dt) {
     if (!loaded) return;
+    if (EndingRunning()) {
+        UpdateEnding(dt);
+        if (EndingFinished()) {
+            SwitchGameState(GAME_STATE_MENU, window);
+            return;
+        }
+        if (EndingScreenShown()) return;
+    }
     flags.worldFrozen =
         (flags.consoleOpen || flags.pauseOpen || flags.mapOpen || flags.explanationOpen) ? 1 : 0;
-    bool mayAct = !flags.worldFrozen && !Transition().transitionActive && !flags.shopOpen;
+    bool mayAct =
+        !flags.worldFrozen && !Transition().transitionActive && !flags.shopOpen && !EndingRunning();
     SetPlayerControllable(mayAct ? 1 : 0);
     if (flags.worldFrozen) {
         RunOverlays(dt);
@@ -242,6 +254,12 @@ void UpdateGame(sf::RenderWindow& window, float dt) {
 
 void DrawGame(sf::RenderWindow& window) {
     if (!loaded) return;
+    if (EndingScreenShown()) {
+        window.setView(window.getDefaultView());
+        DrawEndingScreen(window);
+        window.setView(*GameCamera().view);
+        return;
+    }
     // The world is drawn with the view the window kept from the previous frame.
     sf::View seen = window.getView();
     DrawWorld(BeginPixelCanvas(window, seen), seen);
@@ -254,7 +272,8 @@ void DrawGame(sf::RenderWindow& window) {
     // is darkened as much, which shows what the fade drawn over it would.
     const ScreenFade& fade = Fade();
     float veil = fade.shape ? float(fade.shape->getFillColor().a) / 255.0f : 0.0f;
-    DrawPlayerHud(window, FadeOverPanels() ? 1.0f : 1.0f - veil);
+    // Once the Goddess has fallen the light takes the screen, with nothing over it.
+    if (!EndingRunning()) DrawPlayerHud(window, FadeOverPanels() ? 1.0f : 1.0f - veil);
     DrawPanels(window);
     // The next frame's world is drawn with this view.
     window.setView(*GameCamera().view);
@@ -271,6 +290,7 @@ void CleanupGame() {
     DestroyMoney();
     FreeSettingsScreen();
     FreeCredits();
+    FreeEnding();
     FreePauseMenu();
     DestroyConsole();
     DestroyExplanationPanel();

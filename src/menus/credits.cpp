@@ -112,3 +112,16 @@ bool CreditsReturnHovered() {
 bool CreditsLoaded() {
     return credits.loaded;
 }
+
+std::vector<CreditLine> CreditRoll() {
+    std::vector<CreditLine> roll;
+    roll.push_back({"PROGRAMMERS", 1});
+    for (const char* name : kProgrammers) roll.push_back({name, 0});
+    roll.push_back({"ARTISTS", 1});
+    for (const char* name : kArtists) roll.push_back({name, 0});
+    roll.push_back({"FONTS", 1});
+    roll.push_back({kFontCredit, 0});
+    roll.push_back({kFontLicence, 0});
+    roll.push_back({"The console: DejaVu Sans Mono (Bitstream Vera licence)", 0});
+    return roll;
+}

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <SFML/Graphics.hpp>
+#include <string>
+#include <vector>
 
 void LoadCredits();
 void DrawCredits(sf::RenderTarget& target);
@@ -11,3 +13,10 @@ void FreeCredits();
 void HoverCreditsReturn(sf::Vector2f pointer);
 bool CreditsReturnHovered();
 bool CreditsLoaded();
+
+// The same credits as lines for a roll (the ending): headings, then their names, then the font.
+struct CreditLine {
+    std::string text;
+    int heading = 0;
+};
+std::vector<CreditLine> CreditRoll();

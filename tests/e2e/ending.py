@@ -1,0 +1,62 @@
+"""The end of the game, reached with the debug console's help: in the Goddess's garden the
+console fells her, dawn floods the garden, the ending screen rolls, and a few presses bring back
+the title menu with the save as it was.
+
+The hero starts at the garden's entrance (its checkpoint point; the garden has no statue). The
+console's "/god" keeps him standing while she strikes, "/kill/enemy" ends her.
+"""
+import sys
+
+import numpy
+
+from driver import Game, saved_at
+
+# The ending screen's dawn colour, before the landscape settles in.
+DAWN = (255, 240, 214)
+
+
+def console(game, line):
+    game.key("F1")
+    game.type_text(line)
+    game.key("Return")
+
+
+def mostly_dawn(image):
+    """The world washed out by the rising light: most pixels near the dawn's colour."""
+    near = numpy.all(numpy.abs(image[::8, ::8, :3].astype(int) - DAWN) < 40, axis=2)
+    return near.mean() > 0.8
+
+
+def main(binary):
+    save = saved_at(23)
+    game = Game(binary, save)
+    try:
+        game.play()
+        game.wait_for_line("The Goddess")
+        console(game, "/god")
+        console(game, "/kill/enemy")
+        game.wait_for_line("Ending : dawn\n")
+        washed, _ = game.wait_for_screen(mostly_dawn, "the garden washed out by the dawn")
+        game.screenshot("ending-dawn", washed)
+        game.wait_for_line("Ending : the end\n")
+        # Once the white has settled the roll runs; a press hurries it, another leaves.
+        start = game.output().find("Ending : the end\n")
+        game.wait_for_screen(lambda image: not mostly_dawn(image),
+                             "the title's landscape under the roll")
+        game.screenshot("ending-roll")
+        def pressed_through():
+            game.key("space")
+            return "Ending : back to the title\n" in game.output()[start:]
+        game.wait_until(pressed_through, "the roll hurried by presses and left at THE END",
+                        interval=1.5)
+        game.wait_for_line("Load Menu\n", start=start)
+        game.screenshot("ending-title")
+        if game.read("Assets/Saves/PlayerSave.txt") != save:
+            game.fail("the save left as it was by the ending")
+    finally:
+        game.close()
+
+
+if __name__ == "__main__":
+    main(sys.argv[1])
+    print("ending: ok")
