@@ -69,7 +69,7 @@ SPEED = [px.rgb(h) for h in ("#c4dcec", "#7ea4c0", "#4c6e8c")]
 
 KING = rig.Body(thigh=18.0, shin=18.0, upper_arm=14.0, forearm=13.0, torso=26.0, shoulder=22.0,
                 neck=2.0, head_r=(6.2, 7.0), grip=7.0, pommel=3.5, blade=50.0, blade_w=2.8,
-                guard=7.0, cape_len=50.0, cape_w=(9.0, 14.0),
+                guard=7.0, cape_len=44.0, cape_w=(9.0, 14.0),
                 limb_r={"thigh": (5.6, 4.6), "shin": (4.4, 3.6), "upper_arm": (4.4, 3.8),
                         "forearm": (3.9, 3.3)},
                 materials=MATERIALS)
@@ -371,7 +371,7 @@ def walk():
             foot_f, foot_b, toe_f, toe_b = swing_foot, stance, toe, 0.0
         striding = not (plant or settle)
         lurch = 12.0 if striding else (7.0 if plant else 5.0)
-        hip_y = 36.5 if striding else (33.5 if plant else 35.5 + 0.6 * (i in (7, 15)))
+        hip_y = 36.5 if striding else (33.5 if plant else 35.5)
         hip_x = (foot_f[0] + foot_b[0]) / 2.0 + (3.0 if striding else 0.0)
         dust = ((max(foot_f[0], foot_b[0]) + 6.0, 2.0, 1.6),
                 (max(foot_f[0], foot_b[0]) - 10.0, 1.5, 1.2)) if plant else ()
@@ -436,8 +436,8 @@ def dash_attack():
 
 
 def jump_attack():
-    """The leap: a deep crouch with the sword drawn up (the visor glints), a spring off both feet
-    (jump frame 4, held while he rises), the sword turned point-down in both hands over the hero
+    """The leap: a deep crouch with the sword drawn up (the visor glints) and grit kicked up by the
+    spring, then off both feet (jump frame 4, held while he rises, so it carries no dust), the sword turned point-down in both hands over the hero
     (fall frame 5, held while he hangs and drops, blazing), the crash (damage frame 6): one knee
     down, the blade driven into the floor, a ring of dust and flying stone; then he wrenches it
     free and stands."""
@@ -449,9 +449,9 @@ def jump_attack():
                       cape_wave=0.3, tags=("glint",), dust=((-16.0, 1.5, 1.2), (18.0, 1.5, 1.0)))
     rise = STAND.but(hip=(0.0, 44.0), lean=-6.0, head=-14.0, foot_f=(8.0, 22.0), foot_b=(-12.0, 14.0),
                      toe_f=-30, toe_b=-45, hand_f=(4.0, 18.0), weapon=96.0, cape=-28.0, cape_curl=-6.0,
-                     cape_flutter=6.0, stretch=1.04, dust=((-14.0, 1.5, 1.8), (14.0, 1.5, 1.6)))
-    plunge = STAND.but(hip=(0.0, 44.0), lean=6.0, head=10.0, foot_f=(9.0, 12.0), foot_b=(-8.0, 8.0),
-                       toe_f=-40, toe_b=-50, hand_f=(22.0, 2.0), weapon=-84.0, cape=-40.0,
+                     cape_flutter=6.0, stretch=1.04)
+    plunge = STAND.but(hip=(0.0, 46.0), lean=6.0, head=10.0, foot_f=(9.0, 17.0), foot_b=(-8.0, 13.0),
+                       toe_f=-40, toe_b=-50, hand_f=(22.0, 12.0), weapon=-84.0, cape=-40.0,
                        cape_curl=-8.0, cape_flutter=8.0, stretch=1.02, tags=("flare", "glint2"))
     crash = STAND.but(hip=(2.0, 21.0), lean=30.0, head=-6.0, foot_f=(16.0, 3.5), foot_b=(-18.0, 2.5),
                       toe_b=-80, hand_f=(24.0, -14.0), weapon=-84.0, cape=40.0, cape_curl=10.0,
