@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "enemies/king.h"
 #include "media/sound.h"
 #include "world/room.h"
 
@@ -21,6 +22,13 @@ void LoadRegionMusic() {
 
 void UpdateRegionMusic() {
     if (!loaded) return;
+    // The King's music stands in for the region's while he lives; the loop starts afresh after.
+    if (KingMusicVoices() > 0) {
+        for (SoundArray& array : music) {
+            while (VoiceCount(array) > 0) RemoveSound(array, 0);
+        }
+        return;
+    }
     int region = CurrentRoom().region == REGION_CITY ? REGION_CITY : REGION_FOREST;
     SoundArray& other = music[1 - region];
     while (VoiceCount(other) > 0) RemoveSound(other, 0);

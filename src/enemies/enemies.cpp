@@ -9,6 +9,7 @@
 #include "enemies/enemy_body.h"
 #include "enemies/flying_knight.h"
 #include "enemies/frog.h"
+#include "enemies/king.h"
 #include "enemies/nomad.h"
 #include "enemies/plant.h"
 #include "enemies/slime.h"
@@ -27,6 +28,7 @@ namespace {
 std::array<const EnemyKindOps*, ENEMY_KIND_COUNT> MakeKinds() {
     std::array<const EnemyKindOps*, ENEMY_KIND_COUNT> kinds{};
     kinds[ENEMY_FROG] = &FrogKind();
+    kinds[ENEMY_KING] = &KingKind();
     kinds[ENEMY_NOMAD] = &NomadKind();
     kinds[ENEMY_TRASH] = &TrashKind();
     kinds[ENEMY_SLIME] = &SlimeKind();

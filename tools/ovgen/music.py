@@ -1,7 +1,8 @@
-"""The two region music loops: Forest (calm, D dorian) and City (tense, C phrygian).
+"""The music loops: Forest (calm, D dorian), City (tense, C phrygian) and the King (heavy, D minor).
 
-Each loop is 16-bit PCM stereo at 22050 Hz and plays end to start without a seam: notes that ring
-past the last bar wrap onto the first, and the reverb is circular. The last bar of each piece
+Each loop is 16-bit PCM at 22050 Hz (the King's mono, the region loops stereo) and plays end to
+start without a seam: notes that ring past the last bar wrap onto the first, and the reverb is
+circular. The last bar of each piece
 leads back into its first, so the loop also reads as music, not just as a join.
 
 Forest, 80 bpm, 16 bars (48 s): plucked harp arpeggios, a soft pad and a low bass; a flute-like
@@ -11,6 +12,9 @@ harp takes the motif up high while the flute rests; a few wind chimes glint.
 City, 96 bpm, 20 bars (50 s): a low drone and pulsing strings, a muted frame drum, a distant bell
 every four bars; a cello states the descending motif (G-Ab-G, F-Eb-Db-C: the flat second, Db,
 is the phrygian colour), a horn answers over Ab-Db-Fm-G, and the last bars fall back to the cello.
+
+King, 112 bpm, 26 bars (56 s, mono): war drums, a string ostinato and an anvil; horns over cellos
+hammer out his call (see `king`).
 """
 import numpy as np
 
@@ -311,12 +315,92 @@ def city(rng):
     return loop.mix(ir, wet_gain=0.5), bpm, bars
 
 
+# ---------------------------------------------------------------- the King
+
+
+def war_drum(rng, vel=1.0):
+    """A great war drum: a deep skin falling onto its note, a hard beater and a long boom."""
+    n = au.samples(1.1)
+    t = au.time_axis(n)
+    f = 46 + 60 * np.exp(-t / 0.025)
+    x = np.sin(au.phase_of(f, n)) * np.exp(-t / 0.38)
+    x += 0.35 * np.sin(au.phase_of(f * 1.5, n)) * np.exp(-t / 0.12)
+    x += au.lowpass(au.noise(n, rng), 900, 2) * np.exp(-t / 0.015) * 0.9
+    return au.fade(au.lowpass(x, 1800, 2) * vel, 0.001, 0.05) * 0.55
+
+
+def anvil(note, rng):
+    """An anvil struck with a hammer: a hard click and a few bright, inharmonic partials."""
+    n = au.samples(1.6)
+    f = au.midi_hz(note)
+    x = au.additive(f, n, [(1.0, 0.6, 0.9), (2.76, 0.4, 0.5), (5.4, 0.25, 0.3), (8.9, 0.12, 0.15)])
+    x += au.bandpass(au.noise(n, rng), 2000, 7000) * np.exp(-au.time_axis(n) / 0.004) * 0.6
+    return au.fade(x * au.percussive(n, 0.001, 6.0), 0.0005, 0.3) * 0.22
+
+
+KING_MOTIF = [  # (beat, semitones above the tonic, beats): the King's call, two bars long
+    (0, 0, 1), (1, 0, 0.5), (1.5, 3, 0.5), (2, 7, 1), (3, 5, 0.5), (3.5, 3, 0.5),
+    (4, 2, 1.5), (5.5, 3, 0.5), (6, 0, 2)]
+
+
+def king(rng):
+    """The King's loop: D minor, 112 bpm, 26 bars. War drums and a driving string ostinato from
+    the first beat; horns and cellos state the motif (D-D-F-A, G-F-E-F-D) twice, take it up to
+    G minor, and hammer it out an octave higher before the drums lead back round to the start.
+    An anvil rings on each phrase's downbeat."""
+    bpm, bars = 112, 26
+    beat = 60.0 / bpm
+    bar = 4 * beat
+    loop = au.Loop(bars * bar)
+    chords = {"Dm": ("D2", ["D2", "A2", "D3", "F3"]), "Bb": ("Bb1", ["Bb1", "F2", "Bb2", "D3"]),
+              "A": ("A1", ["A1", "E2", "A2", "C#3"]), "Gm": ("G1", ["G1", "D2", "G2", "Bb2"]),
+              "Eb": ("Eb2", ["Eb2", "Bb2", "Eb3", "G3"])}
+    progression = ["Dm", "Dm", "Bb", "A", "Dm", "Dm", "Bb", "A", "Dm", "Dm", "Gm", "A",
+                   "Gm", "Gm", "Eb", "A", "Gm", "Bb", "Eb", "A", "Dm", "Dm", "Bb", "A", "Gm", "A"]
+    for i, name in enumerate(progression):
+        root, voicing = chords[name]
+        at = i * bar
+        loop.add(string_pulse([N(v) for v in voicing], bar, beat, rng), at, gain=1.2, send=0.3)
+        loop.add(bass(N(root), bar + 0.3), at, gain=1.3, send=0.1)
+        # the drums march on 1, the and of 2 and 3; heavier from bar 12; a roll into each phrase
+        hits = [(0, 1.0), (1.5, 0.6), (2, 0.85), (3, 0.5)]
+        if i >= 12:
+            hits += [(2.5, 0.55), (3.5, 0.6)]
+        if i % 4 == 3:
+            hits += [(3.25, 0.6), (3.5, 0.75), (3.75, 0.9)]
+        for bt, vel in hits:
+            vel *= 0.88 + 0.12 * rng.rand()
+            loop.add(war_drum(rng, vel), at + bt * beat + 0.004 * (rng.rand() - 0.5), gain=1.0,
+                     send=0.25)
+        for bt in (1, 3):
+            loop.add(frame_drum(rng, 0.7, low=False), at + bt * beat, position=0.2, gain=0.9,
+                     send=0.2)
+        if i % 4 == 0:
+            loop.add(anvil(N("D5") if i % 8 == 0 else N("A4"), rng), at, position=0.3, gain=1.0,
+                     send=0.6)
+    for start, tonic, vel in [(4, "D3", 1.0), (8, "D3", 1.0), (12, "G3", 1.0), (16, "G3", 1.0),
+                              (20, "D4", 1.1)]:
+        for bt, step, length in KING_MOTIF:
+            at = start * bar + bt * beat
+            note = N(tonic) + step
+            loop.add(horn(note, length * beat * 0.92, vel), at, position=0.15, gain=1.1, send=0.4)
+            loop.add(cello(note - 12, length * beat * 0.92, rng=rng), at, position=-0.15,
+                     gain=0.9, send=0.3)
+    for b, bt, name, length in [(24, 0, "A3", 2), (24, 2, "Bb3", 2), (25, 0, "A3", 3),
+                                (25, 3, "C#4", 1)]:
+        loop.add(horn(N(name), length * beat * 0.92), b * bar + bt * beat, position=0.15,
+                 gain=0.9, send=0.45)
+    ir = au.reverb_ir(2.2, rng, predelay=0.02, damping=2400)
+    return loop.mix(ir, wet_gain=0.45), bpm, bars
+
+
 # ---------------------------------------------------------------- output
 
-LOUDNESS = -15.5   # matched rough perceived loudness of both loops (see audio.loudness_db)
+LOUDNESS = -15.5   # matched rough perceived loudness of the loops (see audio.loudness_db)
 CEILING = -3.0     # dBFS: peaks stay at or under this
 
-PIECES = {"ForestMusic": (forest, 5011), "CityMusic": (city, 6029)}
+PIECES = {"ForestMusic": (forest, 5011), "CityMusic": (city, 6029), "King_Music": (king, 7013)}
+MONO = {"King_Music"}   # heard only in one hall and never placed: one channel is enough
 
 
 def master(x):
@@ -329,7 +413,7 @@ def master(x):
 def render(name):
     build, seed = PIECES[name]
     x, _, _ = build(np.random.RandomState(seed))
-    return master(x)
+    return master(x.mean(axis=1) if name in MONO else x)
 
 
 def generate(out):

@@ -372,13 +372,19 @@ def king_attack(rng, m):
 
 
 def king_dash_attack(rng, m):
-    """A charging cut: three quick heavy strides, the armour rattling, a rising rush and a wide
-    greatsword slash at the end."""
-    for k, at in enumerate((0.0, 0.11, 0.21)):
-        heavy_step(rng, m, at=at, gain=0.5 + 0.1 * k)
-    m.add(whoosh(rng, 0.4, [(0, 250), (0.33, 1200), (0.4, 900)], q=0.7, peak=0.33, decay=0.05), gain=0.4)
-    m.add(whoosh(rng, 0.55, [(0, 260), (0.12, 2100), (0.55, 500)], q=0.9, peak=0.12, decay=0.1), at=0.28)
-    m.add(ring(760, 0.55, BLADE, decay=0.14, attack=0.02), at=0.33, gain=0.18)
+    """The dash across the hall, played as it starts: the stone floor cracks under the push-off,
+    a deep blast of displaced air with the greatsword's thrust singing through it, the plate
+    rattling, and his sabatons grinding to a stop in grit."""
+    heavy_step(rng, m, gain=0.8)
+    m.add(whoosh(rng, 0.45, [(0, 1400), (0.05, 2600), (0.45, 300)], q=0.7, peak=0.04, decay=0.12))
+    m.add(whoosh(rng, 0.4, [(0, 500), (0.05, 1200), (0.4, 220)], q=4.0, peak=0.04, decay=0.1), gain=0.5)
+    m.add(ring(760, 0.55, BLADE, decay=0.14, attack=0.01), at=0.03, gain=0.2)
+    for k in range(4):
+        m.add(clink(rng.uniform(700, 1500), 0.12, decay=0.03), at=0.05 + 0.04 * k, gain=0.12)
+    grind = air(rng, 0.45, 1800, peak=0.12, decay=0.12)
+    grind *= 0.6 + 0.4 * np.sin(au.TAU * 31 * au.time_axis(len(grind), SR))
+    m.add(au.highpass(grind, 500, sr=SR), at=0.22, gain=0.45)
+    m.add(grains(rng, 0.4, 26, 900, 4500, grain=0.008, gain=(0.03, 0.1), thin=1.2), at=0.24)
 
 
 def king_jump_attack(rng, m):
