@@ -9,6 +9,7 @@
 #include "enemies/enemy_body.h"
 #include "enemies/flying_knight.h"
 #include "enemies/frog.h"
+#include "enemies/goddess.h"
 #include "enemies/nomad.h"
 #include "enemies/plant.h"
 #include "enemies/slime.h"
@@ -32,6 +33,7 @@ std::array<const EnemyKindOps*, ENEMY_KIND_COUNT> MakeKinds() {
     kinds[ENEMY_SLIME] = &SlimeKind();
     kinds[ENEMY_PLANT] = &PlantKind();
     kinds[ENEMY_FLYING_KNIGHT] = &FlyingKnightKind();
+    kinds[ENEMY_GODDESS] = &GoddessKind();
     return kinds;
 }
 
