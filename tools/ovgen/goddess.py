@@ -364,7 +364,7 @@ def render_wings(t):
             else:
                 a, b, v = elbow, wrist, (u - 0.5) / 0.5
             base = (a[0] + (b[0] - a[0]) * v, a[1] + (b[1] - a[1]) * v)
-            length = 70 + 90 * u ** 1.3
+            length = 70 + 62 * u ** 1.3
             ang = math.radians(-100 + side * 0 + 58 * u + 6 * beat * u)
             end = (base[0] + side * length * math.cos(ang) * -1, base[1] + length * math.sin(ang))
             end = (base[0] + side * abs(end[0] - base[0]), end[1])
@@ -648,6 +648,11 @@ def check(text, sheets):
                 raise ValueError(f"Goddess {label} {i + 1}: the tell is on the wrong frames")
     if body[1][1] < body[1][3] + 2:
         raise ValueError("Goddess lightning: it would never be shown")
+    wings = sheets["WINGS"]
+    for i in range(wings.shape[1] // BW):
+        f = wings[:, i * BW:(i + 1) * BW]
+        if f[0].any() or f[-1].any() or f[:, 0].any() or f[:, -1].any():
+            raise ValueError(f"Goddess wings {i}: cut off by the frame edge")
     for name, psize, n, rate in parts:
         if not (n >= 1 and 1 <= rate <= 60):
             raise ValueError(f"Goddess {name}: {n} frames at {rate} fps")
