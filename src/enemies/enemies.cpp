@@ -9,6 +9,7 @@
 #include "enemies/enemy_body.h"
 #include "enemies/flying_knight.h"
 #include "enemies/frog.h"
+#include "enemies/goddess.h"
 #include "enemies/king.h"
 #include "enemies/nomad.h"
 #include "enemies/plant.h"
@@ -24,7 +25,7 @@
 
 namespace {
 
-// The roster's table, in kind order. A kind not built yet has no row.
+// The roster's table, in kind order: one row per kind.
 std::array<const EnemyKindOps*, ENEMY_KIND_COUNT> MakeKinds() {
     std::array<const EnemyKindOps*, ENEMY_KIND_COUNT> kinds{};
     kinds[ENEMY_FROG] = &FrogKind();
@@ -34,6 +35,7 @@ std::array<const EnemyKindOps*, ENEMY_KIND_COUNT> MakeKinds() {
     kinds[ENEMY_SLIME] = &SlimeKind();
     kinds[ENEMY_PLANT] = &PlantKind();
     kinds[ENEMY_FLYING_KNIGHT] = &FlyingKnightKind();
+    kinds[ENEMY_GODDESS] = &GoddessKind();
     return kinds;
 }
 

@@ -244,7 +244,7 @@ void HandlePlayerKeyPressed(int key) {
 void DrawPlayer(sf::RenderTarget& target) {
     if (!player.created) return;
     DrawClouds(target);
-    for (const Ghost& ghost : player.trail) target.draw(ghost.sprite);
+    DrawAfterimages(target, player.trail);
     target.draw(*player.sprite);
     DrawEffects(target, player.parryEffects);
     if (DebugOverlay()) DrawPlayerBoxes(target);

@@ -6,6 +6,7 @@
 #include <array>
 #include <vector>
 
+#include "common/afterimage.h"
 #include "common/drawables.h"
 #include "media/animation.h"
 #include "media/effects.h"
@@ -73,11 +74,6 @@ enum PlayerSound {
     PLAYER_SOUND_COUNT
 };
 
-struct Ghost {
-    sf::Sprite sprite;
-    float age = 0;
-};
-
 struct Player {
     SpritePtr sprite;
     TexturePtr texture;
@@ -99,8 +95,7 @@ struct Player {
     int dropThrough = 0;
     int onSolidGround = 0;
     int footstepArmed = 0;
-    std::vector<Ghost> trail;
-    float trailTimer = 0;
+    AfterimageTrail trail;
     std::array<SoundArray, PLAYER_SOUND_COUNT> sounds;
     EffectList parryEffects;
     sf::RectangleShape bodyBox;

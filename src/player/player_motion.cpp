@@ -11,6 +11,9 @@
 
 namespace {
 
+// A faint black ghost every thirtieth of a second, gone after 0.15 s.
+const AfterimageLook kHeroTrail = {1.0f / 30.0f, sf::Color(0, 0, 0, 30), 0.15f};
+
 Player& P() {
     return GetPlayer();
 }
@@ -356,15 +359,7 @@ void UpdateTrail(float dt) {
     int state = player.body.state;
     bool enabled =
         state == PLAYER_DASH || state == PLAYER_RUN || player.body.groundMode == PLAYER_RUN;
-    player.trailTimer += dt;
-    if (enabled && player.trailTimer > 1.0f / 30.0f) {
-        player.trailTimer -= 1.0f / 30.0f;
-        Ghost ghost{*player.sprite, 0};
-        ghost.sprite.setColor(sf::Color(0, 0, 0, 30));
-        player.trail.push_back(ghost);
-    }
-    for (Ghost& ghost : player.trail) ghost.age += dt;
-    std::erase_if(player.trail, [](const Ghost& ghost) { return ghost.age > 0.15f; });
+    UpdateAfterimages(player.trail, *player.sprite, enabled, kHeroTrail, dt);
 }
 
 void UpdateJumpBuffer(float dt) {
