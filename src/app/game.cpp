@@ -7,6 +7,7 @@
 #include "common/log.h"
 #include "debug/console.h"
 #include "enemies/enemies.h"
+#include "enemies/goddess.h"
 #include "hud/explanation_panel.h"
 #include "hud/player_hud.h"
 #include "interactables/checkpoint_menu.h"
@@ -121,6 +122,7 @@ void RunWorld(float dt) {
     PlayerHitsEnemies();
     UpdateElevatorRideZoom(CurrentRoom().roomNumber);
     UpdateChests(dt, GetPlayerPosition());
+    if (GoddessDefeated()) StartEnding();
 }
 
 void RunSequences(sf::RenderWindow& window, float dt) {
