@@ -18,12 +18,12 @@ from ovgen import (backgrounds, boss_hud, coins, contact_sheet, doors, fonts, fr
                    hud_preview, logos, menu_art, music, nomad, plant, rooms, sfx, slime, spinner, statues,
                    tilesets, trash)
 from ovgen import (blacksmith, chests, cloud, elevator_art, goddess, king, knight, merchant_preview,  # noqa: E402
-                   panels)
+                   minimap, panels)
 
 ROOT = Path(__file__).resolve().parent.parent
 GENERATORS = [fonts, menu_art, logos, backgrounds, music, rooms, hero, sfx, tilesets, spinner, trash, fx, doors,
               statues, coins, hud, nomad, boss_hud, hud_preview, slime, frog, plant, chests, cloud, panels,
-              blacksmith, merchant_preview, knight, elevator_art, king, goddess, contact_sheet]
+              blacksmith, merchant_preview, knight, elevator_art, king, goddess, minimap, contact_sheet]
 
 
 def make_all(out):

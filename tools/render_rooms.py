@@ -13,17 +13,16 @@ when even one map pixel per pixel is wider. Needs the Debian packages `tiled` (t
 """
 import argparse
 import json
-import os
-import subprocess
 import sys
-import tempfile
 from pathlib import Path
 
 from PIL import Image, ImageDraw, ImageFont
 
+sys.path.insert(0, str(Path(__file__).resolve().parent))
+from ovgen.room_picture import room_picture  # noqa: E402
+
 ROOT = Path(__file__).resolve().parent.parent
 ROOMS = ROOT / "Assets" / "Maps" / "Rooms"
-BACKDROPS = ROOT / "Assets" / "Maps" / "RoomBackground"
 FONT = "/usr/share/fonts/truetype/dejavu/DejaVuSans-Bold.ttf"
 MAX_WIDTH = 1920
 
@@ -34,58 +33,6 @@ ENEMY_MARKS = {0: ("F", (120, 200, 90)), 1: ("K", (230, 190, 60)), 2: ("N", (235
 
 def _props(obj):
     return {p["name"]: p["value"] for p in obj.get("properties", [])}
-
-
-def tiles_picture(path, tmap):
-    """The tile layers alone, one map pixel per pixel, on a transparent ground."""
-    def names(layers, inside=None):
-        for layer in layers:
-            if layer["type"] == "group":
-                yield from names(layer["layers"], layer["name"])
-            elif layer["type"] in ("objectgroup", "imagelayer") or inside == "Door group":
-                yield layer["name"]
-    hidden = sorted(set(names(tmap["layers"])))
-    with tempfile.TemporaryDirectory() as tmp:
-        out = Path(tmp) / "tiles.png"
-        args = ["tmxrasterizer", "--no-smoothing"]
-        for name in hidden:
-            args += ["--hide-layer", name]
-        env = dict(os.environ, QT_QPA_PLATFORM="offscreen")
-        subprocess.run(args + [str(path), str(out)], env=env, check=True, capture_output=True)
-        return Image.open(out).convert("RGBA")
-
-
-def _moonless(sky):
-    """The sky with the columns that the moon and its glow brighten replaced by the sky half a
-    picture further on, so that a sky repeated across a wide room shows one moon."""
-    grey = sky.convert("L")
-    columns = [sum(grey.crop((x, 0, x + 1, grey.height)).getdata()) / grey.height
-               for x in range(grey.width)]
-    calm = sorted(columns)[len(columns) // 2] + 1.5
-    shift = sky.width // 2
-    plain = sky.copy()
-    for x, value in enumerate(columns):
-        if value > calm and columns[(x + shift) % sky.width] <= calm:
-            source = (x + shift) % sky.width
-            plain.paste(sky.crop((source, 0, source + 1, sky.height)), (x, 0))
-    return plain
-
-
-def backdrop(region, size):
-    """The region's layers stacked (far first) and repeated across the room, standing on its
-    floor, with one moon; the sky's top colour fills any height above them."""
-    names = ("sky", "far", "mid", "near")
-    layers = [Image.open(BACKDROPS / region / f"{name}.png").convert("RGBA") for name in names]
-    skies = [layers[0], _moonless(layers[0])]
-    width, height = size
-    ground = Image.new("RGBA", size, layers[0].getpixel((0, 0)))
-    top = height - layers[0].height
-    for i, x in enumerate(range(0, width, layers[0].width)):
-        band = (skies[0] if i == 1 or width <= layers[0].width else skies[1]).copy()
-        for layer in layers[1:]:
-            band.alpha_composite(layer)
-        ground.alpha_composite(band, (x, max(0, top)), (0, max(0, -top), band.width, band.height))
-    return ground
 
 
 def mark_objects(picture, tmap, scale):
@@ -164,10 +111,7 @@ def mark_objects(picture, tmap, scale):
 def render(number, out, plain=False):
     path = ROOMS / f"Room{number}.json"
     tmap = json.loads(path.read_text())
-    region = next(p["value"] for p in tmap["properties"] if p["name"] == "tsx name")
-    tiles = tiles_picture(path, tmap)
-    picture = backdrop(region, tiles.size)
-    picture.alpha_composite(tiles)
+    picture = room_picture(path, ROOT / "Assets" / "Maps" / "RoomBackground")
     if picture.width > MAX_WIDTH:
         scale = MAX_WIDTH / picture.width
         size = (MAX_WIDTH, round(picture.height * scale))

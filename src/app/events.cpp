@@ -7,6 +7,7 @@
 #include "common/ui.h"
 #include "debug/console.h"
 #include "hud/explanation_panel.h"
+#include "hud/map_screen.h"
 #include "interactables/checkpoint_menu.h"
 #include "interactables/chests.h"
 #include "interactables/merchant.h"
@@ -173,6 +174,10 @@ void GameKeyPressed(const sf::Event& event) {
         if (key == Settings().bindings[BINDING_JUMP]) RequestExplanationClose();
         return;
     }
+    if (flags.mapOpen) {
+        MapKeyPressed(key);
+        return;
+    }
     if (Overlays().checkpointMenuOpen) {
         if (key == sf::Keyboard::Escape) CloseCheckpointMenu();
         return;
@@ -191,6 +196,7 @@ void GameKeyPressed(const sf::Event& event) {
         return;
     }
     if (key == sf::Keyboard::Escape) RequestPause();
+    if (key == sf::Keyboard::M) RequestMapScreen();
     if (key == sf::Keyboard::Home) DebugOverlay() = DebugOverlay() ? 0 : 1;
     if (key == sf::Keyboard::F1) {
         flags.consoleOpen = 1;
@@ -240,14 +246,22 @@ void GameButtonPressed(sf::RenderWindow& window, unsigned button) {
         if (button == 0) ConfirmMerchantSelection();
         return;
     }
+    // The map takes nothing from the pad: it closes with M or Escape.
+    if (Overlays().mapOpen) return;
+    if (button == 6) RequestMapScreen();
     if (button == 7) RequestPause();
     PlayerButtonPressed(button);
 }
 
-// The pause is pointed at on its 1920 x 1080 canvas, the world's menus in world coordinates.
+// The pause and the map are pointed at on their 1920 x 1080 canvas, the world's menus in world
+// coordinates. The map covers everything: the menus behind it are out of reach.
 void GameMouseMoved(const sf::RenderWindow& window, const sf::Event& event) {
     sf::Vector2f screen = MenuPointer(window, event.mouseMove.x, event.mouseMove.y);
     if (Overlays().pauseOpen) HoverPauseButtons(screen);
+    if (Overlays().mapOpen) {
+        MapPointerMoved(screen);
+        return;
+    }
     const sf::View* view = GameView();
     if (view && Overlays().checkpointMenuOpen) HoverCheckpointMenu(ScreenToWorld(*view, screen));
     if (view && Overlays().merchantMenuOpen) HoverMerchantMenu(ScreenToWorld(*view, screen));
@@ -262,6 +276,11 @@ void GameMousePressed(sf::RenderWindow& window, const sf::Event& event) {
     bool left = event.mouseButton.button == sf::Mouse::Left;
     if (left) PlayerAttackPressed();
     if (event.mouseButton.button == sf::Mouse::Right) PlayerHeavyPressed();
+    if (Overlays().mapOpen) {
+        MapPointerPressed(MenuPointer(window, event.mouseButton.x, event.mouseButton.y),
+                          event.mouseButton.button);
+        return;
+    }
     if (Overlays().checkpointMenuOpen && left) PressCheckpointMenu();
     // The shop first: the click that opens it from the menu buys nothing.
     if (Overlays().shopOpen && left) PressShop();

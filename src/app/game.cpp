@@ -9,6 +9,7 @@
 #include "enemies/enemies.h"
 #include "enemies/goddess.h"
 #include "hud/explanation_panel.h"
+#include "hud/map_screen.h"
 #include "hud/player_hud.h"
 #include "interactables/checkpoint_menu.h"
 #include "interactables/chests.h"
@@ -147,9 +148,10 @@ void DrawFade(sf::RenderTarget& target, sf::FloatRect area) {
 }
 
 // The fade covers the world and the panels over it. With only the world below it, it is drawn on
-// the world's canvas at a ninth of the fill; over a panel, on the window.
+// the world's canvas at a ninth of the fill; over a panel, on the window (the map's teleport
+// fades out over the map).
 bool FadeOverPanels() {
-    return flags.pauseOpen != 0;
+    return flags.pauseOpen != 0 || flags.mapOpen != 0;
 }
 
 void DrawWorld(sf::RenderTarget& target, const sf::View& seen) {
@@ -175,21 +177,27 @@ void DrawWorld(sf::RenderTarget& target, const sf::View& seen) {
 }
 
 // Overlays frozen over the world, each updating only itself.
-void RunOverlays(float dt) {
-    if (flags.pauseOpen) UpdatePauseMenu(flags.pauseOpen);
+void RunOverlays(sf::RenderWindow& window, float dt) {
+    if (flags.pauseOpen) {
+        UpdatePauseMenu(flags.pauseOpen);
+    } else if (flags.mapOpen) {
+        UpdateMapScreen(window, dt);
+    }
     if (flags.explanationOpen) UpdateExplanationPanel(dt);
 }
 
 // The panels are laid out on 1920 x 1080 and go straight onto the window through a screen view,
 // covering the window whatever the camera's zoom.
 void DrawPanels(sf::RenderWindow& window) {
-    if (!flags.shopOpen && !flags.pauseOpen && !flags.explanationOpen && !flags.consoleOpen) {
+    if (!flags.shopOpen && !flags.pauseOpen && !flags.explanationOpen && !flags.consoleOpen &&
+        !flags.mapOpen) {
         return;
     }
     window.setView(window.getDefaultView());
     if (flags.shopOpen) DrawShop(window);
     if (flags.explanationOpen) DrawExplanationPanel(window);
     if (flags.pauseOpen) DrawPauseMenu(window);
+    if (flags.mapOpen) DrawMapScreen(window);
     if (FadeOverPanels()) DrawFade(window, {0, 0, 1920, 1080});
     if (flags.consoleOpen) DrawConsole(window);
 }
@@ -210,6 +218,7 @@ void LoadGame(sf::RenderWindow& window) {
     Log("Load Game\n");
     flags = OverlayFlags();
     FreeCheckpointMenu();
+    FreeMapScreen();
     LoadSave();
     CreatePlayer({0, 0});
     LoadEnemyAssets();
@@ -246,7 +255,7 @@ void UpdateGame(sf::RenderWindow& window, float dt) {
         !flags.worldFrozen && !Transition().transitionActive && !flags.shopOpen && !EndingRunning();
     SetPlayerControllable(mayAct ? 1 : 0);
     if (flags.worldFrozen) {
-        RunOverlays(dt);
+        RunOverlays(window, dt);
     } else {
         RunWorld(dt);
     }
@@ -288,6 +297,7 @@ void CleanupGame() {
     CleanupRoom();
     DestroyStatues();
     FreeCheckpointMenu();
+    FreeMapScreen();
     DestroyPlayerHud();
     DestroyMoney();
     FreeSettingsScreen();

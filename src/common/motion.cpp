@@ -21,6 +21,11 @@ sf::Uint8 FadeChannel(sf::Uint8 channel, sf::Uint8 target, float k) {
     return sf::Uint8(next);
 }
 
+sf::Uint8 BlendChannel(sf::Uint8 from, sf::Uint8 to, float k) {
+    float value = float(from) + (float(to) - float(from)) * k;
+    return sf::Uint8(std::clamp(value, 0.0f, 255.0f));
+}
+
 }  // namespace
 
 int MoveSpriteTowards(sf::Transformable& sprite, sf::Vector2f target, float speed, float dt,
@@ -117,4 +122,15 @@ int TweenPosition(sf::Transformable& object, sf::Vector2f goal, float duration, 
 
 bool TweenDone(const Tween& tween) {
     return tween.started && tween.elapsed >= tween.duration;
+}
+
+int StepColorTween(ColorTween& tween, sf::Color& value, sf::Color goal, float duration, int easing,
+                   float dt) {
+    if (!tween.started) tween = ColorTween{0, 1, value};
+    tween.elapsed += dt;
+    float k = duration <= 0 ? 1.0f : Ease(easing, std::min(1.0f, tween.elapsed / duration));
+    const sf::Color& a = tween.from;
+    value = {BlendChannel(a.r, goal.r, k), BlendChannel(a.g, goal.g, k),
+             BlendChannel(a.b, goal.b, k), BlendChannel(a.a, goal.a, k)};
+    return tween.elapsed >= duration ? 1 : 0;
 }

@@ -38,3 +38,15 @@ int TweenPosition(sf::Transformable& object, sf::Vector2f goal, float duration, 
                   float dt, Tween& tween);
 // The tween has started and run its whole duration.
 bool TweenDone(const Tween& tween);
+
+// A colour moving to a goal, each channel on its own by the eased factor; zeroed before first use.
+struct ColorTween {
+    float elapsed = 0;
+    int started = 0;
+    sf::Color from;
+};
+
+// One step of a colour towards a goal; the first step starts the tween from the value. Returns 1
+// from the step whose elapsed time reaches the duration on.
+int StepColorTween(ColorTween& tween, sf::Color& value, sf::Color goal, float duration, int easing,
+                   float dt);

@@ -6,6 +6,7 @@
 #include "app/keys.h"
 #include "common/drawables.h"
 #include "common/ease.h"
+#include "common/motion.h"
 #include "menus/settings_files.h"
 #include "player/save.h"
 
@@ -31,13 +32,6 @@ const AbilityPage kPages[ABILITY_COUNT] = {
 
 constexpr float kFadeSeconds = 1.0f;
 
-// A colour moving from one value to another over the fade, eased, per channel.
-struct ColorTween {
-    float elapsed = 0;
-    int started = 0;
-    sf::Color from;
-};
-
 struct Panel {
     int* open = nullptr;
     TexturePtr blockTexture, iconTexture;
@@ -49,22 +43,12 @@ struct Panel {
     ColorTween blockTween, iconTween;
 } panel;
 
-sf::Uint8 Blend(sf::Uint8 from, sf::Uint8 to, float k) {
-    float value = float(from) + (float(to) - float(from)) * k;
-    return sf::Uint8(std::clamp(value, 0.0f, 255.0f));
-}
-
 // One step of a sprite's colour towards the goal; true once the fade has run its time.
 bool StepColor(sf::Sprite& sprite, ColorTween& tween, sf::Color goal, float dt) {
-    if (!tween.started) {
-        tween = ColorTween{0, 1, sprite.getColor()};
-    }
-    tween.elapsed += dt;
-    float k = Ease(EASE_CUBIC_IN_OUT, std::min(1.0f, tween.elapsed / kFadeSeconds));
-    const sf::Color& a = tween.from;
-    sprite.setColor({Blend(a.r, goal.r, k), Blend(a.g, goal.g, k), Blend(a.b, goal.b, k),
-                     Blend(a.a, goal.a, k)});
-    return tween.elapsed >= kFadeSeconds;
+    sf::Color color = sprite.getColor();
+    int done = StepColorTween(tween, color, goal, kFadeSeconds, EASE_CUBIC_IN_OUT, dt);
+    sprite.setColor(color);
+    return done != 0;
 }
 
 // Both pictures towards the goal, the texts taking the icon's colour; true when both are there.

@@ -2,6 +2,7 @@
 
 #include "app/game.h"
 #include "common/log.h"
+#include "hud/map_screen.h"
 #include "player/player.h"
 
 namespace {
@@ -14,8 +15,12 @@ WorldMenu menu;
 
 void RunAction(int button) {
     switch (button) {
-        // The map will open in teleport mode here once it exists.
-        case CHECKPOINT_TELEPORT: Log("TP Pressed\n"); break;
+        // The menu folds under the map, opened to travel from this statue.
+        case CHECKPOINT_TELEPORT:
+            Log("TP Pressed\n");
+            CloseCheckpointMenu();
+            RequestMapScreen(true);
+            break;
         // The rest already wrote the save when the menu opened.
         case CHECKPOINT_SAVE: Log("REST Pressed\n"); break;
         case CHECKPOINT_LEAVE: CloseCheckpointMenu(); break;

@@ -295,6 +295,21 @@ void StartBossFocus(sf::Vector2f point) {
     camera.focusPoint = point;
 }
 
+void SettleCameraOn(sf::Vector2f feet) {
+    if (!camera.view) return;
+    camera.focusActive = 0;
+    camera.focusPhase = 0;
+    camera.focusTimer = 0;
+    camera.focusTween = camera.centerTween = camera.rotationTween = camera.sizeTween = Tween();
+    camera.mode = CAMERA_FOLLOW;
+    camera.blendMovesCenter = 0;
+    camera.targetRotation = 0;
+    camera.view->setRotation(0);
+    sf::Vector2f size = camera.view->getSize();
+    camera.view->setCenter(feet.x, feet.y - 0.14f * size.y);
+    ClampViewToContainer();
+}
+
 void CreateScreenFade() {
     fade = ScreenFade();
     fade.shape = std::make_unique<sf::RectangleShape>(sf::Vector2f(1, 1));

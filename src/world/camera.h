@@ -66,6 +66,9 @@ void ClampViewToContainer();
 // The view's size scaled to the largest size with its proportions that fits `size`.
 sf::Vector2f FitViewSize(sf::Vector2f size);
 void StartBossFocus(sf::Vector2f point);
+// Ends any blend or boss pan and puts the view straight where following the hero's feet leads,
+// inside the container (a hero set down in a new room without walking in).
+void SettleCameraOn(sf::Vector2f feet);
 
 // The fade rectangle: black, covering the view, done (no fade running).
 void CreateScreenFade();

@@ -17,7 +17,11 @@ GAME_SCALE = {  # path under Assets/Sprites -> scale the game draws it at; anyth
     "HUD/Player/vignette.png": 1.0,
     "ExplanationHUD/block.png": 1.25, "ExplanationHUD/BOTTE.png": 4.0,
     "ExplanationHUD/BOTTE AILESRecovered.png": 4.0, "Shop/Potion.png": 1.75, "Shop/AttackUp.png": 1.75,
+    "Minimap/Teleport/CheckpointIcon.png": 0.55, "MiniMap/Teleport/CheckpointIcon.png": 1.0,
+    "Minimap/Teleport/Player.png": 1.0,
 }
+# The map's room pictures are renders of the rooms, shown in docs/map_preview.png instead.
+LEFT_OUT = ("Minimap/Rooms/",)
 # shown smaller than in game, to keep the sheet compact
 SHEET_SCALE = {"Menu/GameMenu.png": 0.5, "HUD/Player/vignette.png": 0.25}
 
@@ -26,6 +30,8 @@ def _entries(root):
     sprites = root / "Assets" / "Sprites"
     for path in sorted(sprites.rglob("*.png")):
         rel = path.relative_to(sprites).as_posix()
+        if rel.startswith(LEFT_OUT):
+            continue
         game = GAME_SCALE.get(rel, 3.0)
         shown = SHEET_SCALE.get(rel, game)
         img = np.array(Image.open(path).convert("RGBA"))
