@@ -86,7 +86,8 @@ TEST_F(KilledMidSave, LeavesEveryFileWholeAndReadable) {
         const SettingsValues& read = Settings();
         EXPECT_TRUE(read.volumes[0] == read.volumes[1] && read.volumes[1] == read.volumes[2])
             << ReadFile(kSoundSettingsPath);
-        for (int key : read.bindings) EXPECT_EQ(key, read.bindings[0]) << ReadFile(kBindingSettingsPath);
+        for (int key : read.bindings)
+            EXPECT_EQ(key, read.bindings[0]) << ReadFile(kBindingSettingsPath);
 
         std::string state = ReadFile(ElevatorStatePath(kRoom));
         BuildRoomElevator();

@@ -13,8 +13,9 @@
 #include "world/transition.h"
 
 #if defined(__SANITIZE_ADDRESS__)
-#include <sanitizer/allocator_interface.h>
-#include <sanitizer/lsan_interface.h>
+// From the sanitizer runtime (its headers are not always installed with the compiler).
+extern "C" size_t __sanitizer_get_current_allocated_bytes();
+extern "C" int __lsan_do_recoverable_leak_check();
 #else
 #include <malloc.h>
 #endif
@@ -105,8 +106,8 @@ TEST_F(Soak, AThousandRoomChangesNeitherLeakNorGrow) {
         if (change == kMeasuredFrom) inUse = BytesInUse(), resident = ResidentBytes();
     }
     size_t inUseAfter = BytesInUse(), residentAfter = ResidentBytes();
-    std::printf("in use: %zu bytes after %d changes, %zu after %d; resident: %zu then %zu\n",
-                inUse, kMeasuredFrom, inUseAfter, kChanges, resident, residentAfter);
+    std::printf("in use: %zu bytes after %d changes, %zu after %d; resident: %zu then %zu\n", inUse,
+                kMeasuredFrom, inUseAfter, kChanges, resident, residentAfter);
     EXPECT_LE(inUseAfter, inUse + kToleratedGrowth)
         << "memory in use grew from " << inUse << " to " << inUseAfter << " bytes";
 #if defined(__SANITIZE_ADDRESS__)

@@ -26,8 +26,7 @@ constexpr Range kVolumeRange{0, 100};
 constexpr Range kKeyRange{sf::Keyboard::Unknown, sf::Keyboard::KeyCount - 1};
 
 // A value out of its range is treated as a line that does not match: the old value stays.
-void ReadValues(const char* path, const char* const* formats, int* target, int count,
-                Range range) {
+void ReadValues(const char* path, const char* const* formats, int* target, int count, Range range) {
     std::FILE* file = std::fopen(path, "r");
     if (!file) FatalExit("Erreur de lecture\n");
     for (int i = 0; i < count; i++) {

@@ -1,9 +1,9 @@
 #include "world/tiled.h"
 
 #include <fstream>
+#include <limits>
 #include <nlohmann/json.hpp>
 #include <sstream>
-#include <limits>
 #include <stdexcept>
 #include <type_traits>
 

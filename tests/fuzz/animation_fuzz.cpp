@@ -36,7 +36,8 @@ void Play(Animation clip, sf::Sprite& sprite, sf::Vector2u sheet) {
     for (float dt : {0.016f, 0.35f, 0.016f, 5.0f, 0.2f}) {
         UpdateAnimation(clip, dt);
         if (clip.frameCount > 0) {
-            Require(unsigned(clip.currentFrame) < clip.frameCount, "a clip shows one of its frames");
+            Require(unsigned(clip.currentFrame) < clip.frameCount,
+                    "a clip shows one of its frames");
         }
     }
 }
@@ -52,7 +53,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
             "one clip and one damage frame per label");
     sf::Sprite sprite;
     for (const Animation& clip : anim.clips) {
-        for (sf::Vector2u sheet : {sf::Vector2u(0, 0), sf::Vector2u(1, 1), sf::Vector2u(768, 1440)}) {
+        for (sf::Vector2u sheet :
+             {sf::Vector2u(0, 0), sf::Vector2u(1, 1), sf::Vector2u(768, 1440)}) {
             Play(clip, sprite, sheet);
         }
     }

@@ -29,7 +29,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     BuildRoom(map, tileset, 3.0f, 12);
     const Room& room = CurrentRoom();
     Require(room.loaded, "a readable map builds a room");
-    for (const Collision& collision : room.collisions) Require(bool(collision.shape), "a collision has a box");
+    for (const Collision& collision : room.collisions)
+        Require(bool(collision.shape), "a collision has a box");
     CheckpointSpawnPosition(0);
     ReleaseRoom();
     Require(room.collisions.empty() && room.layers.empty() && room.elevators.empty(),

@@ -31,8 +31,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     SaveRecord loaded = Save();
     Require(Whole(loaded), "a load ends with every field read");
     if (std::filesystem::exists(kDamagedSavePath)) {
-        Require(ReadText(kDamagedSavePath) == std::string(reinterpret_cast<const char*>(data), size),
-                "a damaged save is kept aside byte for byte");
+        Require(
+            ReadText(kDamagedSavePath) == std::string(reinterpret_cast<const char*>(data), size),
+            "a damaged save is kept aside byte for byte");
     }
     LoadSave();
     Require(SameRecord(Save(), loaded), "the file a load leaves reads back the same");
