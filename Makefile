@@ -50,7 +50,7 @@ test: deps-test build
 	      -DOV_GAME_BINARY=$(CURDIR)/$(BUILD)/ombrith >/dev/null
 	cmake --build $(TEST_BUILD) -j $(JOBS)
 	cd $(TEST_BUILD) && xvfb-run -a -s "-screen 0 1920x1080x24" env ALSOFT_DRIVERS=null \
-	    ctest --output-on-failure
+	    ctest --output-on-failure -LE soak
 
 # Each file reader fuzzed for $(FUZZ_RUNS) runs from its committed seeds (findings go to
 # docs/fuzzing.md). New inputs and crashes stay under $(FUZZ_BUILD); the targets work in a scratch
