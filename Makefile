@@ -9,9 +9,14 @@ RUN_PACKAGES  := g++ cmake make libsfml-dev nlohmann-json3-dev
 TEST_PACKAGES := $(RUN_PACKAGES) libgtest-dev libbenchmark-dev xvfb xauth xdotool imagemagick tiled \
                  python3-pil python3-numpy fonts-cardo fonts-dejavu-core
 
+FUZZ_BUILD    := build/fuzz
+FUZZ_PACKAGES := $(RUN_PACKAGES) clang libclang-rt-14-dev
+FUZZ_TARGETS  := save settings elevator_state animation room_map
+FUZZ_RUNS     ?= 1000000
+
 SUDO := $(shell [ "$$(id -u)" = 0 ] || echo sudo)
 
-.PHONY: all build run test bench assets deps-run deps-test clean
+.PHONY: all build run test fuzz bench assets deps-run deps-test deps-fuzz clean
 
 all: build
 
@@ -30,6 +35,9 @@ deps-run:
 deps-test:
 	$(call install_missing,$(TEST_PACKAGES))
 
+deps-fuzz:
+	$(call install_missing,$(FUZZ_PACKAGES))
+
 build: deps-run
 	cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
 	cmake --build $(BUILD) -j $(JOBS)
@@ -42,7 +50,24 @@ test: deps-test build
 	      -DOV_GAME_BINARY=$(CURDIR)/$(BUILD)/ombrith >/dev/null
 	cmake --build $(TEST_BUILD) -j $(JOBS)
 	cd $(TEST_BUILD) && xvfb-run -a -s "-screen 0 1920x1080x24" env ALSOFT_DRIVERS=null \
-	    ctest --output-on-failure
+	    ctest --output-on-failure -LE soak
+
+# Each file reader fuzzed for $(FUZZ_RUNS) runs from its committed seeds (findings go to
+# docs/fuzzing.md). New inputs and crashes stay under $(FUZZ_BUILD); the targets work in a scratch
+# folder of their own, so every path given to them is absolute.
+fuzz: deps-fuzz
+	CC=clang CXX=clang++ cmake -S . -B $(FUZZ_BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DOV_FUZZ=ON >/dev/null
+	cmake --build $(FUZZ_BUILD) -j $(JOBS)
+	@set -e; for t in $(FUZZ_TARGETS); do \
+	  mkdir -p $(CURDIR)/$(FUZZ_BUILD)/corpus/$$t $(CURDIR)/$(FUZZ_BUILD)/findings; \
+	  echo "Fuzzing $$t ($(FUZZ_RUNS) runs)"; \
+	  ./$(FUZZ_BUILD)/fuzz_$$t -runs=$(FUZZ_RUNS) -max_len=16384 -timeout=10 -close_fd_mask=3 \
+	      -print_final_stats=1 -dict=$(CURDIR)/tests/fuzz/dict/$$t.dict \
+	      -artifact_prefix=$(CURDIR)/$(FUZZ_BUILD)/findings/$$t- \
+	      $(CURDIR)/$(FUZZ_BUILD)/corpus/$$t $(CURDIR)/tests/fuzz/corpus/$$t \
+	      2>$(FUZZ_BUILD)/$$t.log || { tail -40 $(FUZZ_BUILD)/$$t.log; exit 1; }; \
+	  grep -E "^#[0-9]+ +DONE|^Done|stat::" $(FUZZ_BUILD)/$$t.log; \
+	done
 
 # Room load and frame times (figures go to docs/benchmarks.md).
 bench: deps-test build

@@ -20,8 +20,11 @@ void PullTowardsZero(float& a, float& b) {
 }  // namespace
 
 TexturePtr LoadTexture(const std::string& path) {
+    // The picture first: a missing file needs no graphics context (the map readers run without).
+    sf::Image image;
+    if (!image.loadFromFile(path)) return nullptr;
     auto texture = std::make_unique<sf::Texture>();
-    if (!texture->loadFromFile(path)) return nullptr;
+    if (!texture->loadFromImage(image)) return nullptr;
     return texture;
 }
 

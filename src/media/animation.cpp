@@ -1,6 +1,33 @@
 #include "media/animation.h"
 
+#include <algorithm>
+#include <cstdint>
 #include <string>
+
+#include "common/log.h"
+
+namespace {
+
+// The largest picture side, frame count and frame rate a file may give; beyond, a value reads as
+// a line that does not match (0), reported.
+constexpr int kMaxPixels = 16384;
+constexpr unsigned kMaxFrames = 4096;
+constexpr unsigned kMaxFrameRate = 240;
+
+int ClampToInt(int64_t value) {
+    return int(std::clamp<int64_t>(value, INT32_MIN, INT32_MAX));
+}
+
+bool ReadPoint(std::FILE* file, const char* format, sf::Vector2i& point) {
+    point = {0, 0};
+    if (std::fscanf(file, format, &point.x, &point.y) != 2) return false;
+    if (point.x >= 0 && point.x <= kMaxPixels && point.y >= 0 && point.y <= kMaxPixels) return true;
+    LogError("Animation data: (%d,%d) is out of range, read as (0,0)\n", point.x, point.y);
+    point = {0, 0};
+    return false;
+}
+
+}  // namespace
 
 void UpdateAnimation(Animation& animation, float dt) {
     if (animation.paused || !animation.sprite) return;
@@ -19,16 +46,18 @@ void UpdateAnimation(Animation& animation, float dt) {
             break;
         }
     }
+    // In 64 bits and by division, so that no frame number or sheet size can overflow or spin.
     const sf::IntRect& frame = animation.frameRect;
-    int left = animation.currentFrame * frame.width + frame.left;
-    int top = frame.top;
-    if (animation.sheetSize.x != 0 && animation.sheetSize.y != 0) {
-        while (float(left + frame.width) > float(animation.sheetSize.x)) {
-            left -= int(animation.sheetSize.x);
-            top += frame.height;
-        }
+    int64_t left = int64_t(animation.currentFrame) * frame.width + frame.left;
+    int64_t top = frame.top;
+    int64_t sheetWidth = animation.sheetSize.x;
+    if (sheetWidth != 0 && animation.sheetSize.y != 0 && left + frame.width > sheetWidth) {
+        int64_t rows = (left + frame.width - sheetWidth + sheetWidth - 1) / sheetWidth;
+        left -= rows * sheetWidth;
+        top += rows * frame.height;
     }
-    animation.sprite->setTextureRect(sf::IntRect(left, top, frame.width, frame.height));
+    animation.sprite->setTextureRect(
+        sf::IntRect(ClampToInt(left), ClampToInt(top), frame.width, frame.height));
 }
 
 void RestartAnimation(Animation& animation) {
@@ -38,13 +67,11 @@ void RestartAnimation(Animation& animation) {
 }
 
 bool ReadAnimSize(std::FILE* file, sf::Vector2i& size) {
-    size = {0, 0};
-    return std::fscanf(file, " size : (%d,%d) ", &size.x, &size.y) == 2;
+    return ReadPoint(file, " size : (%d,%d) ", size);
 }
 
 bool ReadAnimFirstFrame(std::FILE* file, sf::Vector2i& position) {
-    position = {0, 0};
-    return std::fscanf(file, " first Frame Position : (%d,%d) ", &position.x, &position.y) == 2;
+    return ReadPoint(file, " first Frame Position : (%d,%d) ", position);
 }
 
 void ReadAnimClip(std::FILE* file, const char* label, Animation& clip, sf::Vector2i frameSize,
@@ -54,6 +81,12 @@ void ReadAnimClip(std::FILE* file, const char* label, Animation& clip, sf::Vecto
     clip.frameRate = 0;
     [[maybe_unused]] int read =
         std::fscanf(file, format.c_str(), &clip.frameCount, &clip.frameRate);
+    if (clip.frameCount > kMaxFrames || clip.frameRate > kMaxFrameRate) {
+        LogError("Animation data: %s has %u frames at %u per second, out of range, read as 0\n",
+                 label, clip.frameCount, clip.frameRate);
+        clip.frameCount = 0;
+        clip.frameRate = 0;
+    }
     clip.frameRect =
         sf::IntRect(firstFrame.x, firstFrame.y + row * frameSize.y, frameSize.x, frameSize.y);
     clip.currentFrame = 0;

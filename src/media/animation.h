@@ -27,7 +27,9 @@ void UpdateAnimation(Animation& animation, float dt);
 // Restarts a clip from its first frame.
 void RestartAnimation(Animation& animation);
 
-// Reading animation data files (text, formatted scanning; blanks match any white space).
+// Reading animation data files (text, formatted scanning; blanks match any white space). A value
+// beyond what a sheet can hold (sides and positions 0..16384, 4096 frames, 240 per second) is
+// reported and reads as 0, like a line that does not match.
 // "size : (w,h)"; false when the line does not match (the values then stay 0).
 bool ReadAnimSize(std::FILE* file, sf::Vector2i& size);
 // "first Frame Position : (x,y)".

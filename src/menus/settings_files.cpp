@@ -1,7 +1,10 @@
 #include "menus/settings_files.h"
 
+#include <SFML/Window/Keyboard.hpp>
 #include <cstdio>
+#include <string>
 
+#include "common/file_write.h"
 #include "common/log.h"
 
 namespace {
@@ -15,23 +18,39 @@ const char* const kBindingFormats[BINDING_COUNT] = {
     "LEFT : %d\n", "RIGHT : %d\n",    "DOWN : %d\n", "JUMP : %d\n",          "PARRY : %d\n",
     "DASH : %d\n", "INTERACT : %d\n", "HEAL : %d\n", "CLOUD CREATION : %d\n"};
 
-void ReadValues(const char* path, const char* const* formats, int* target, int count) {
+// The values a file may hold: a volume in percent, a key the keyboard has (or none).
+struct Range {
+    int low, high;
+};
+constexpr Range kVolumeRange{0, 100};
+constexpr Range kKeyRange{sf::Keyboard::Unknown, sf::Keyboard::KeyCount - 1};
+
+// A value out of its range is treated as a line that does not match: the old value stays.
+void ReadValues(const char* path, const char* const* formats, int* target, int count, Range range) {
     std::FILE* file = std::fopen(path, "r");
     if (!file) FatalExit("Erreur de lecture\n");
     for (int i = 0; i < count; i++) {
-        [[maybe_unused]] int matched = std::fscanf(file, formats[i], &target[i]);
+        int value = 0;
+        if (std::fscanf(file, formats[i], &value) == 1 && value >= range.low &&
+            value <= range.high) {
+            target[i] = value;
+        }
     }
     std::fclose(file);
 }
 
+// Through a temporary file and a rename, so a crash mid-write keeps the old file whole.
 void WriteValues(const char* path, const char* const* formats, const int* source, int count) {
-    std::FILE* file = std::fopen(path, "w");
-    if (!file)
+    std::string text;
+    char line[64];
+    for (int i = 0; i < count; i++) {
+        std::snprintf(line, sizeof line, formats[i], source[i]);
+        text += line;
+    }
+    if (!WriteFileSafely(path, text))
         FatalExit(
             "Erreur de d'\xE9"
             "criture\n");
-    for (int i = 0; i < count; i++) std::fprintf(file, formats[i], source[i]);
-    std::fclose(file);
 }
 
 }  // namespace
@@ -41,11 +60,11 @@ SettingsValues& Settings() {
 }
 
 void ReadSoundSettings() {
-    ReadValues(kSoundSettingsPath, kSoundFormats, values.volumes, 3);
+    ReadValues(kSoundSettingsPath, kSoundFormats, values.volumes, 3, kVolumeRange);
 }
 
 void ReadBindingSettings() {
-    ReadValues(kBindingSettingsPath, kBindingFormats, values.bindings, BINDING_COUNT);
+    ReadValues(kBindingSettingsPath, kBindingFormats, values.bindings, BINDING_COUNT, kKeyRange);
 }
 
 void WriteSettings() {

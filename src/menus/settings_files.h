@@ -28,8 +28,9 @@ struct SettingsValues {
 SettingsValues& Settings();
 
 // Reading an unreadable file ends the program: the game cannot run without both files. A line
-// that does not match keeps its previous value, silently.
+// that does not match, or holds a volume outside 0..100 or a key the keyboard does not have,
+// keeps its previous value, silently.
 void ReadSoundSettings();
 void ReadBindingSettings();
-// Writes the sound file, then the binding file.
+// Writes the sound file, then the binding file, each replaced whole (never left half written).
 void WriteSettings();

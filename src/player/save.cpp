@@ -50,6 +50,15 @@ void WriteWholeSave() {
     if (!WriteFileSafely(kSavePath, SaveText(save))) LogError("Open file error !\n");
 }
 
+// A damaged save is kept aside before the new game replaces it: the player's progress can still
+// be mended by hand.
+void KeepDamagedSave() {
+    if (std::rename(kSavePath, kDamagedSavePath) == 0) {
+        LogError("The save %s is damaged: a new game starts, the damaged file is kept as %s\n",
+                 kSavePath, kDamagedSavePath);
+    }
+}
+
 }  // namespace
 
 SaveRecord& Save() {
@@ -58,7 +67,9 @@ SaveRecord& Save() {
 
 void LoadSave() {
     save = SaveRecord();
+    bool found = false;
     if (std::FILE* file = std::fopen(kSavePath, "r")) {
+        found = true;
         Abilities& a = save.abilities;
         // Each pattern is scanned on its own, so one damaged line leaves only later fields unread.
         [[maybe_unused]] int read =
@@ -70,7 +81,9 @@ void LoadSave() {
                            &a.potionCount);
         std::fclose(file);
     }
-    if (!Complete()) WriteNewGameSave();
+    if (Complete()) return;
+    if (found) KeepDamagedSave();
+    WriteNewGameSave();
 }
 
 void WriteNewGameSave() {

@@ -15,10 +15,13 @@ struct SaveRecord {
 };
 
 constexpr const char* kSavePath = "Assets/Saves/PlayerSave.txt";
+// Where a save that could not be read is kept when a new game replaces it.
+constexpr const char* kDamagedSavePath = "Assets/Saves/PlayerSave.damaged.txt";
 
 SaveRecord& Save();
 
-// Reads the save; a missing file or any unread field starts a new game (and rewrites the file).
+// Reads the save; a missing file or any unread field starts a new game (and rewrites the file,
+// keeping a damaged one aside, reported).
 void LoadSave();
 // Checkpoint 0 of room 1, no abilities, one potion.
 void WriteNewGameSave();

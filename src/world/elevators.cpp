@@ -133,17 +133,19 @@ void ReadCabinTiles(const TiledLayer& layer, const TiledTileset& tileset, const 
 void BakeCabin(const CabinTiles& cabin, float scale, Elevator& elevator) {
     sf::IntRect cells = cabin.cells;
     elevator.sprite = std::make_unique<sf::Sprite>();
-    sf::RenderTexture canvas;
-    if (cells.width > 0 &&
-        canvas.create(unsigned(cells.width * kTile), unsigned(cells.height * kTile))) {
-        canvas.clear(sf::Color::Transparent);
-        for (sf::Sprite tile : cabin.sprites) {
-            tile.move(-float(cells.left * kTile), -float(cells.top * kTile));
-            canvas.draw(tile);
+    // Without the tileset's picture there is nothing to bake (and no graphics context needed).
+    if (cells.width > 0 && cabin.sprites.front().getTexture()) {
+        sf::RenderTexture canvas;
+        if (canvas.create(unsigned(cells.width * kTile), unsigned(cells.height * kTile))) {
+            canvas.clear(sf::Color::Transparent);
+            for (sf::Sprite tile : cabin.sprites) {
+                tile.move(-float(cells.left * kTile), -float(cells.top * kTile));
+                canvas.draw(tile);
+            }
+            canvas.display();
+            elevator.texture = std::make_unique<sf::Texture>(canvas.getTexture());
+            elevator.sprite->setTexture(*elevator.texture, true);
         }
-        canvas.display();
-        elevator.texture = std::make_unique<sf::Texture>(canvas.getTexture());
-        elevator.sprite->setTexture(*elevator.texture, true);
     }
     float w = float(cells.width * kTile), h = float(cells.height * kTile);
     elevator.sprite->setOrigin(w / 2, h);

@@ -368,12 +368,22 @@ void LoadRoomMap(sf::RenderWindow& window, const std::string& mapPath, int tileS
     if (!LoadTiledTileset("Assets/Maps/Tilesets/Tileset-" + name + ".json", tileset, error)) {
         Log("Room map error : %s\n", error.c_str());
     }
+    BuildRoom(map, tileset, scale, roomNumber, [&window] { UpdateLoadingScreen(window); });
+    FreeTiledTileset(tileset);
+    FreeTiledMap(map);
+    FreeLoadingScreen();
+}
+
+void BuildRoom(const TiledMap& map, const TiledTileset& tileset, float scale, int roomNumber,
+               const std::function<void()>& eachLayer) {
+    ResetRoomContents(roomNumber);
+    std::string name = ReadMapProperties(map);
     room.tilesetTexture = LoadTexture("Assets/Maps/Tilesets/" + name + ".png");
     room.scale = scale;
     room.tileSize = 32;
     CreateProximityCircle();
     for (const TiledLayer& layer : map.layers) {
-        UpdateLoadingScreen(window);
+        if (eachLayer) eachLayer();
         room.layers.push_back({layer.name, {}});
         if (layer.hasData) BuildTileLayer(layer, tileset, int(room.layers.size()) - 1);
         ReadLayerContents(layer);
@@ -384,9 +394,6 @@ void LoadRoomMap(sf::RenderWindow& window, const std::string& mapPath, int tileS
     }
     LinkElevatorCollisions();
     LinkDoorCollisions();
-    FreeTiledTileset(tileset);
-    FreeTiledMap(map);
-    FreeLoadingScreen();
     room.loaded = true;
     Log("nb of collisions : %d\n", int(room.collisions.size()));
 }

@@ -5,6 +5,7 @@
 
 #include <SFML/Graphics.hpp>
 #include <array>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -12,6 +13,9 @@
 #include "common/drawables.h"
 #include "world/doors.h"
 #include "world/elevators.h"
+
+struct TiledMap;
+struct TiledTileset;
 
 using ShapePtr = std::shared_ptr<sf::RectangleShape>;
 
@@ -135,6 +139,10 @@ Room& CurrentRoom();
 // malformed map or tileset is reported with the file's name and leaves an empty room.
 void LoadRoomMap(sf::RenderWindow& window, const std::string& mapPath, int tileSize, float scale,
                  int roomNumber);
+// Builds the current room from a map and its tileset already read (an empty tileset when its
+// file could not be read), without a window; `eachLayer` runs before each top-level layer.
+void BuildRoom(const TiledMap& map, const TiledTileset& tileset, float scale, int roomNumber,
+               const std::function<void()>& eachLayer = {});
 // Frees everything the load created. The region and the boss flag stay as they were: a map
 // that does not set them keeps the previous room's.
 void ReleaseRoom();

@@ -1,12 +1,17 @@
 #include "world/tiled.h"
 
 #include <fstream>
+#include <limits>
 #include <nlohmann/json.hpp>
+#include <sstream>
 #include <stdexcept>
+#include <type_traits>
 
 using nlohmann::json;
 
 namespace {
+
+constexpr unsigned kMaxTile = 1u << 20;
 
 // A malformed file: the message says what was expected.
 struct FormatError : std::runtime_error {
@@ -20,10 +25,32 @@ const json& Require(const json& node, const char* key) {
     return node.at(key);
 }
 
+// A value as T. Numbers must fit T: a damaged value is refused, naming its key, instead of
+// wrapping around or becoming infinite.
+template <typename T>
+T Get(const json& value, const char* key) {
+    if constexpr (std::is_arithmetic_v<T> && !std::is_same_v<T, bool>) {
+        if (!value.is_number()) throw FormatError(std::string("\"") + key + "\" is not a number");
+        double number = value.get<double>();
+        if (!(number >= double(std::numeric_limits<T>::lowest()) &&
+              number <= double(std::numeric_limits<T>::max()))) {
+            throw FormatError(std::string("\"") + key + "\" is out of range");
+        }
+        return static_cast<T>(number);
+    } else {
+        return value.get<T>();
+    }
+}
+
+template <typename T>
+T Required(const json& node, const char* key) {
+    return Get<T>(Require(node, key), key);
+}
+
 template <typename T>
 T Optional(const json& node, const char* key, T fallback) {
     if (!node.is_object() || !node.contains(key) || node.at(key).is_null()) return fallback;
-    return node.at(key).get<T>();
+    return Get<T>(node.at(key), key);
 }
 
 std::vector<TiledProperty> ReadProperties(const json& node) {
@@ -31,7 +58,7 @@ std::vector<TiledProperty> ReadProperties(const json& node) {
     if (!node.is_object() || !node.contains("properties")) return properties;
     for (const json& entry : node.at("properties")) {
         TiledProperty property;
-        property.name = Require(entry, "name").get<std::string>();
+        property.name = Required<std::string>(entry, "name");
         property.type = Optional<std::string>(entry, "type", "string");
         const json& value = Require(entry, "value");
         if (value.is_string()) {
@@ -50,8 +77,8 @@ TiledObject ReadObject(const json& node) {
     TiledObject object;
     object.id = Optional<int>(node, "id", 0);
     object.name = Optional<std::string>(node, "name", "");
-    object.x = Require(node, "x").get<float>();
-    object.y = Require(node, "y").get<float>();
+    object.x = Required<float>(node, "x");
+    object.y = Required<float>(node, "y");
     object.width = Optional<float>(node, "width", 0);
     object.height = Optional<float>(node, "height", 0);
     object.point = Optional<bool>(node, "point", false);
@@ -73,7 +100,16 @@ void ReadTileData(const json& node, TiledLayer& layer) {
     if (!data.is_array()) throw FormatError("layer \"" + layer.name + "\" has no number array");
     layer.hasData = true;
     layer.data.reserve(data.size());
-    for (const json& value : data) layer.data.push_back(value.get<unsigned>());
+    for (const json& value : data) {
+        unsigned tile = Get<unsigned>(value, "data");
+        // Flipped tiles carry flags in the high bits; no tileset of ours is that large either.
+        if (tile > kMaxTile) {
+            throw FormatError("layer \"" + layer.name + "\" holds tile " + std::to_string(tile) +
+                              ": flipped tiles and tiles past " + std::to_string(kMaxTile) +
+                              " are not read");
+        }
+        layer.data.push_back(tile);
+    }
     if (layer.data.size() != size_t(layer.width) * size_t(layer.height)) {
         throw FormatError("layer \"" + layer.name + "\" holds " +
                           std::to_string(layer.data.size()) + " tiles for " +
@@ -83,7 +119,7 @@ void ReadTileData(const json& node, TiledLayer& layer) {
 
 TiledLayer ReadLayer(const json& node) {
     TiledLayer layer;
-    layer.type = Require(node, "type").get<std::string>();
+    layer.type = Required<std::string>(node, "type");
     layer.name = Optional<std::string>(node, "name", "");
     layer.width = Optional<int>(node, "width", 0);
     layer.height = Optional<int>(node, "height", 0);
@@ -103,7 +139,7 @@ TiledLayer ReadLayer(const json& node) {
 
 TiledTile ReadTile(const json& node) {
     TiledTile tile;
-    tile.id = Require(node, "id").get<int>();
+    tile.id = Required<int>(node, "id");
     if (node.contains("objectgroup")) {
         tile.hasCollision = true;
         tile.collision = ReadObjects(node.at("objectgroup"));
@@ -111,38 +147,56 @@ TiledTile ReadTile(const json& node) {
     if (node.contains("animation")) {
         for (const json& frame : node.at("animation")) {
             tile.animation.push_back(
-                {Require(frame, "tileid").get<int>(), Require(frame, "duration").get<int>()});
+                {Required<int>(frame, "tileid"), Required<int>(frame, "duration")});
         }
     }
     return tile;
 }
 
-bool ParseFile(const std::string& path, json& root, std::string& error) {
-    std::ifstream file(path);
+bool ParseText(const std::string& text, const std::string& name, json& root, std::string& error) {
+    root = json::parse(text, nullptr, false);
+    if (root.is_discarded() || !root.is_object()) {
+        error = name + " is not valid JSON";
+        return false;
+    }
+    return true;
+}
+
+bool ReadWholeFile(const std::string& path, std::string& text, std::string& error) {
+    std::ifstream file(path, std::ios::binary);
     if (!file) {
         error = "cannot open " + path;
         return false;
     }
-    root = json::parse(file, nullptr, false);
-    if (root.is_discarded() || !root.is_object()) {
-        error = path + " is not valid JSON";
-        return false;
-    }
+    std::ostringstream contents;
+    contents << file.rdbuf();
+    text = contents.str();
     return true;
 }
 
 }  // namespace
 
 bool LoadTiledMap(const std::string& path, TiledMap& map, std::string& error) {
+    std::string text;
+    return ReadWholeFile(path, text, error) && ParseTiledMap(text, path, map, error);
+}
+
+bool LoadTiledTileset(const std::string& path, TiledTileset& tileset, std::string& error) {
+    std::string text;
+    return ReadWholeFile(path, text, error) && ParseTiledTileset(text, path, tileset, error);
+}
+
+bool ParseTiledMap(const std::string& text, const std::string& path, TiledMap& map,
+                   std::string& error) {
     json root;
-    if (!ParseFile(path, root, error)) return false;
+    if (!ParseText(text, path, root, error)) return false;
     try {
         if (Optional<bool>(root, "infinite", false))
             throw FormatError("infinite maps are not read");
-        map.width = Require(root, "width").get<int>();
-        map.height = Require(root, "height").get<int>();
-        map.tileWidth = Require(root, "tilewidth").get<int>();
-        map.tileHeight = Require(root, "tileheight").get<int>();
+        map.width = Required<int>(root, "width");
+        map.height = Required<int>(root, "height");
+        map.tileWidth = Required<int>(root, "tilewidth");
+        map.tileHeight = Required<int>(root, "tileheight");
         map.properties = ReadProperties(root);
         for (const json& layer : Require(root, "layers")) map.layers.push_back(ReadLayer(layer));
     } catch (const std::exception& problem) {
@@ -153,16 +207,17 @@ bool LoadTiledMap(const std::string& path, TiledMap& map, std::string& error) {
     return true;
 }
 
-bool LoadTiledTileset(const std::string& path, TiledTileset& tileset, std::string& error) {
+bool ParseTiledTileset(const std::string& text, const std::string& path, TiledTileset& tileset,
+                       std::string& error) {
     json root;
-    if (!ParseFile(path, root, error)) return false;
+    if (!ParseText(text, path, root, error)) return false;
     try {
         tileset.name = Optional<std::string>(root, "name", "");
-        tileset.image = Require(root, "image").get<std::string>();
-        tileset.columns = Require(root, "columns").get<int>();
+        tileset.image = Required<std::string>(root, "image");
+        tileset.columns = Required<int>(root, "columns");
         tileset.tileCount = Optional<int>(root, "tilecount", 0);
-        tileset.tileWidth = Require(root, "tilewidth").get<int>();
-        tileset.tileHeight = Require(root, "tileheight").get<int>();
+        tileset.tileWidth = Required<int>(root, "tilewidth");
+        tileset.tileHeight = Required<int>(root, "tileheight");
         tileset.imageWidth = Optional<int>(root, "imagewidth", 0);
         tileset.imageHeight = Optional<int>(root, "imageheight", 0);
         if (root.contains("tiles")) {
@@ -199,5 +254,11 @@ const TiledProperty* FindProperty(const std::vector<TiledProperty>& properties,
 int PropertyInt(const TiledProperty* property) {
     if (!property) return 0;
     if (property->type == "string") return std::atoi(property->text.c_str());
-    return int(property->number);
+    // A number too large for an int reads as none.
+    double number = property->number;
+    if (!(number >= double(std::numeric_limits<int>::min()) &&
+          number <= double(std::numeric_limits<int>::max()))) {
+        return 0;
+    }
+    return int(number);
 }

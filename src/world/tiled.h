@@ -63,6 +63,11 @@ struct TiledTileset {
 // file is missing or not a map / tileset this game can read.
 bool LoadTiledMap(const std::string& path, TiledMap& map, std::string& error);
 bool LoadTiledTileset(const std::string& path, TiledTileset& tileset, std::string& error);
+// The same from a file's text already read; `path` names it in the error.
+bool ParseTiledMap(const std::string& text, const std::string& path, TiledMap& map,
+                   std::string& error);
+bool ParseTiledTileset(const std::string& text, const std::string& path, TiledTileset& tileset,
+                       std::string& error);
 void FreeTiledMap(TiledMap& map);
 void FreeTiledTileset(TiledTileset& tileset);
 
