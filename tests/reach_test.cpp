@@ -119,9 +119,9 @@ struct Gate {
 };
 
 const std::vector<Gate> kGates = {
-    {3, {1, 3}, 0, kDash},        // the chasm under the low roof
-    {5, {2}, 0, kDash},           // the spike pit in the tunnel
-    {11, {1}, kDash, REACH_RUN},  // the broken bridge
+    {3, {1, 3}, 0, kDash},             // the chasm under the low roof
+    {5, {2}, 0, kDash},                // the spike pit in the tunnel
+    {11, {1}, kDash, REACH_RUN},       // the broken bridge
     {16, {2}, kDashRun, REACH_CLOUD},  // the bell tower's sheer face
 };
 
