@@ -139,3 +139,36 @@ TEST_F(GateCrossing, ARunningJumpClearsRoomElevensVoidAndAWalkingJumpDropsIntoTh
         for (int action : {BINDING_RIGHT, BINDING_DASH, BINDING_JUMP}) Hold(action, false);
     }
 }
+
+// Room 16's bell tower: the balcony's floor is row 16 up to column 38, the tower's sheer face is
+// column 39 and its top, the floor before door 2, row 10. The hero jumps against the face, makes
+// a cloud at the top of the jump and jumps again from it; without the cloud the same keys bring
+// him back down onto the balcony.
+TEST_F(GateCrossing, ACloudAtTheTopOfAJumpClimbsRoomSixteensBellTowerAndAJumpAloneFallsBack) {
+    for (bool cloud : {true, false}) {
+        Enter(16, {37 * T + 48, 16 * T}, true, true);
+        Save().abilities.CanCreatePlatform = cloud;
+        Hold(BINDING_RIGHT, true);
+        Press(BINDING_JUMP);
+        Step(2);
+        for (float last = Y() + 1; Y() < last;) {  // rising against the face
+            last = Y();
+            Step(1);
+        }
+        Hold(BINDING_JUMP, false);
+        Press(BINDING_CLOUD);
+        Hold(BINDING_CLOUD, false);
+        Step(3);
+        Press(BINDING_JUMP);
+        sf::Vector2f landed = Settle();
+        for (int action : {BINDING_RIGHT, BINDING_JUMP}) Hold(action, false);
+        Save().abilities.CanCreatePlatform = 0;
+        if (cloud) {
+            EXPECT_NEAR(landed.y, 10 * T, 4) << "with the cloud, on top of the tower";
+            EXPECT_GE(landed.x, 39 * T) << "with the cloud";
+        } else {
+            EXPECT_NEAR(landed.y, 16 * T, 4) << "without the cloud, back on the balcony";
+            EXPECT_LT(landed.x, 39 * T) << "without the cloud";
+        }
+    }
+}

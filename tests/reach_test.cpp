@@ -1,6 +1,6 @@
 // The hero's reach: the check's numbers bracket the real hero, and on the built rooms every
 // room's goals lie within reach, every gate holds without its ability and opens with it, nobody
-// is ever stuck, and the rooms chain from the first checkpoint to the city.
+// is ever stuck, and the rooms chain from the first checkpoint through the city.
 #include "support/reach.h"
 
 #include <gtest/gtest.h>
@@ -78,7 +78,7 @@ ReachGoal DoorGoal(int id) {
 }
 
 // What the way through each room needs, from where the hero first comes in, with what he has by
-// then (the dash from room 3's chest on, the run from room 8's).
+// then (the dash from room 3's chest on, the run from room 8's, the cloud from room 15's).
 struct RoomNeeds {
     int room;
     ReachStart from;
@@ -102,6 +102,13 @@ const std::vector<RoomNeeds> kCriticalPath = {
     {9, kFromDoor0, kDashRun, {DoorGoal(0)}},
     {10, kFromDoor0, kDash, {DoorGoal(1)}},
     {11, kFromDoor0, kDashRun, {DoorGoal(1)}},
+    {12, kFromDoor0, kDashRun, {DoorGoal(1)}},  // up in the cabin
+    {12, {false, 1}, kDashRun, {DoorGoal(0)}},  // down the drop shaft, or in the cabin
+    {13, kFromDoor0, kDashRun, {{ReachGoal::STATUE, 0}, {ReachGoal::MERCHANT, 0}, DoorGoal(1)}},
+    {14, kFromDoor0, kDashRun, {DoorGoal(1)}},
+    {15, kFromDoor0, kDashRun, {{ReachGoal::CHEST, 0}, DoorGoal(1), DoorGoal(2)}},
+    {16, kFromDoor0, kDashRun, {{ReachGoal::STATUE, 0}, DoorGoal(1)}},
+    {16, {false, 1}, kDashRun, {DoorGoal(0)}},  // back up to the clock tower from the armoury
 };
 
 // Each gate: the room, the doors beyond it, and what the hero has when he first meets it.
@@ -112,9 +119,10 @@ struct Gate {
 };
 
 const std::vector<Gate> kGates = {
-    {3, {1, 3}, 0, kDash},        // the chasm under the low roof
-    {5, {2}, 0, kDash},           // the spike pit in the tunnel
-    {11, {1}, kDash, REACH_RUN},  // the broken bridge
+    {3, {1, 3}, 0, kDash},             // the chasm under the low roof
+    {5, {2}, 0, kDash},                // the spike pit in the tunnel
+    {11, {1}, kDash, REACH_RUN},       // the broken bridge
+    {16, {2}, kDashRun, REACH_CLOUD},  // the bell tower's sheer face
 };
 
 std::vector<ReachGoal> DoorGoals(const std::vector<int>& ids) {
@@ -178,6 +186,8 @@ TEST_F(ReachInRooms, TheChestsLeadFromTheFirstCheckpointToTheCity) {
     RoomTour tour = TourRooms(All(Margin::kWeaker), 1, {true, 0}, true);
     EXPECT_TRUE(tour.doors.count({11, 1})) << "room 11's east door is not reached";
     EXPECT_EQ(tour.abilities[11] & kDashRun, kDashRun);
+    EXPECT_TRUE(tour.doors.count({16, 2})) << "room 16's door past the cloud gate is not reached";
+    EXPECT_EQ(tour.abilities[16], REACH_ALL);
 
     // Without the chests no door leads from the rooms before the gates into those beyond them.
     const std::set<int> beyond = {4, 8, 9, 10, 11};

@@ -175,6 +175,23 @@ ReachMap::ReachMap(const Room& room, Margin margin, const PlayerTuning& tuning)
             }
         }
     }
+    // Each cabin is a floor at every stop, wherever it rests now: a lever fetches it.
+    std::vector<std::vector<std::vector<Place>>> cabins;
+    for (const Elevator& elevator : room.elevators) {
+        int width = int(elevator.collisionShapes.size());
+        std::vector<std::vector<Place>>& stops = cabins.emplace_back();
+        for (const ElevatorStop& stop : elevator.stops) {
+            sf::Vector2f bottom = stop.position - origin_;
+            int row = int(std::lround(bottom.y / kTile)) - 1;
+            int first = int(std::lround(bottom.x / kTile - float(width) / 2));
+            std::vector<Place>& deck = stops.emplace_back();
+            for (int column = first; column < first + width; column++) {
+                if (column < 0 || row < 0 || column >= columns_ || row >= rows_) continue;
+                cells_[size_t(row * columns_ + column)] = ROCK;
+                deck.push_back({column, row});
+            }
+        }
+    }
     for (const Trigger& trigger : room.triggers) {
         if (trigger.name == "DeathZone") deathZones_.push_back(trigger.shape->getGlobalBounds());
     }
@@ -185,6 +202,18 @@ ReachMap::ReachMap(const Room& room, Margin margin, const PlayerTuning& tuning)
     FindPlaces();
     movesFrom_.resize(places_.size());
     for (int i = 0; i < int(places_.size()); i++) AddMoves(i);
+    // A ride takes the hero from his spot on the deck to the same spot at every other stop.
+    for (const auto& stops : cabins) {
+        for (const std::vector<Place>& from : stops) {
+            for (const std::vector<Place>& to : stops) {
+                for (size_t k = 0; k < from.size() && k < to.size() && &from != &to; k++) {
+                    int a = PlaceIndex(from[k].column, from[k].row);
+                    int b = PlaceIndex(to[k].column, to[k].row);
+                    if (a >= 0 && b >= 0) movesFrom_[size_t(a)].push_back({b, 0});
+                }
+            }
+        }
+    }
 }
 
 ReachMap::Cell ReachMap::At(int column, int row) const {

@@ -4,7 +4,8 @@
 // margin either way: a weaker hero (a little slower, a lower jump, no ledge grace) proves that a
 // place is in reach, a stronger one (a little faster, a higher jump, the grace and the body's
 // push-out onto corners) proves that it is out of reach. A gate that is barely crossable, or
-// barely closed, fails one of the two.
+// barely closed, fails one of the two. An elevator's cabin is a floor at each of its stops,
+// joined by the ride.
 //
 // Places are reported as level_check does: world coordinates of the hero's feet, with the tile
 // (96 world px) in brackets; the tile's row is the floor cell he stands on.
