@@ -323,23 +323,23 @@ TEST(LevelRules, EachKindStandsOrHoversAsItMoves) {
          "[tile 12, 11]: his arena (384, 480, 960 x 600) reaches past his floor"},
         {"the Goddess with her floor drawn behind her",
          [&](Room& r) {
-             r.enemySpawns[0] = {{10 * T, kFloorY - 100}, ENEMY_GODDESS, 0};
+             r.enemySpawns[0] = {{10 * T, kFloorY - 110}, ENEMY_GODDESS, 0};
              r.layers.push_back(tile("Background", 12 * T, kFloorY));
          },
          nullptr},
         {"a middle-layer tile in the Goddess's flight",
          [&](Room& r) {
-             r.enemySpawns[0] = {{10 * T, kFloorY - 100}, ENEMY_GODDESS, 0};
+             r.enemySpawns[0] = {{10 * T, kFloorY - 110}, ENEMY_GODDESS, 0};
              r.layers.push_back(tile("Ground", 12 * T, kFloorY));
          },
-         "enemy spawn 0 (kind 7) at (960, 956) [tile 10, 9]: the tile of layer \"Ground\" at "
-         "(1152, 1056) [tile 12, 11] lies in her flight (160, 756, 1600 x 400) and hides her"},
+         "enemy spawn 0 (kind 7) at (960, 946) [tile 10, 9]: the tile of layer \"Ground\" at "
+         "(1152, 1056) [tile 12, 11] lies in her flight (160, 746, 1600 x 400) and hides her"},
         {"the Goddess drifting through a wall",
          [](Room& r) {
-             r.enemySpawns[0] = {{6 * T, kFloorY - 100}, ENEMY_GODDESS, 0};
+             r.enemySpawns[0] = {{6 * T, kFloorY - 110}, ENEMY_GODDESS, 0};
          },
-         "enemy spawn 0 (kind 7) at (576, 956) [tile 6, 9] drifts out of the room: her flight "
-         "(-224, 756, 1600 x 400)"},
+         "enemy spawn 0 (kind 7) at (576, 946) [tile 6, 9] drifts out of the room: her flight "
+         "(-224, 746, 1600 x 400)"},
     };
     for (const Case& c : cases) {
         Room room = MakeRoom(1, 2, true);

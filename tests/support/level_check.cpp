@@ -201,9 +201,9 @@ void CheckKingsFloor(const Room& room, const std::string& what, const EnemySpawn
                      const sf::FloatRect& arena, Faults& faults) {
     for (float x = arena.left + kSlack; x < arena.left + arena.width - kSlack; x += kTile / 4) {
         if (FloorUnder(room, {x, king.position.y}, kSlack, kSlack)) continue;
-        faults.push_back(RoomName(room) + ": " + what + " walks on air at " +
-                         At({x, king.position.y}) + ": his arena " + RectText(arena) +
-                         " reaches past his floor");
+        faults.push_back(RoomName(room) + ": " + what + " at " + At(king.position) +
+                         " walks on air at " + At({x, king.position.y}) + ": his arena " +
+                         RectText(arena) + " reaches past his floor");
         return;
     }
 }
