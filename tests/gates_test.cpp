@@ -3,6 +3,7 @@
 // him in the pit. The rooms are loaded without their enemies.
 #include <gtest/gtest.h>
 
+#include "player/cloud.h"
 #include "support/hero_fixture.h"
 
 namespace {
@@ -12,8 +13,9 @@ constexpr float T = 96;  // one tile in world px
 class GateCrossing : public HeroTest {
 protected:
     // The room's map in place of the fixture's floor, and the hero standing at `feet`.
-    static void Enter(int room, sf::Vector2f feet, bool dash, bool run) {
-        for (int action : {BINDING_RIGHT, BINDING_DASH, BINDING_JUMP}) Hold(action, false);
+    static void Enter(int room, sf::Vector2f feet, bool dash, bool run, bool cloud = false) {
+        for (int action : {BINDING_RIGHT, BINDING_DASH, BINDING_JUMP, BINDING_CLOUD})
+            Hold(action, false);
         testing::internal::CaptureStdout();
         if (CurrentRoom().roomNumber != room) {
             sf::RenderWindow window(sf::VideoMode(320, 180), "gates", sf::Style::None);
@@ -21,12 +23,14 @@ protected:
         }
         Save().abilities.canDash = dash;
         Save().abilities.canRun = run;
+        Save().abilities.CanCreatePlatform = cloud;
         // The fixture's hero, fresh: a new one each time would pile up its sounds.
         Player& player = GetPlayer();
         player.body = PlayerBody();
         player.dropThrough = 0;
         player.jumpBufferTimer = 0;
         ResetPlayerActions();
+        while (CloudCount() > 0) RemoveCloud(0);
         SetPlayerState(PLAYER_FALL);
         SetPlayerFacing(true);
         SetPlayerPosition(feet);
@@ -169,6 +173,33 @@ TEST_F(GateCrossing, ACloudAtTheTopOfAJumpClimbsRoomSixteensBellTowerAndAJumpAlo
         } else {
             EXPECT_NEAR(landed.y, 16 * T, 4) << "without the cloud, back on the balcony";
             EXPECT_LT(landed.x, 39 * T) << "without the cloud";
+        }
+    }
+}
+
+// Room 17's tower: its foot (floor row 30, columns 58-62) meets a bare wall six tiles tall (column
+// 63), whose top is the shelf on row 24. Pressed against the wall, the hero jumps, calls a cloud
+// at the top of the rise and jumps again from it.
+TEST_F(GateCrossing, ACloudAtTheTopOfAJumpClimbsRoomSeventeensBareWallAndAJumpAloneFallsBack) {
+    for (bool cloud : {true, false}) {
+        Enter(17, {62 * T + 48, 30 * T}, true, true, cloud);
+        Hold(BINDING_RIGHT, true);
+        Press(BINDING_JUMP);
+        for (int frame = 0; frame < 90 && (PlayerStanding() || GetPlayer().body.vy < 0); frame++)
+            Step(1);
+        Hold(BINDING_JUMP, false);
+        Press(BINDING_CLOUD);
+        Hold(BINDING_CLOUD, false);
+        Step(2);
+        Press(BINDING_JUMP);
+        sf::Vector2f landed = Settle();
+        for (int action : {BINDING_RIGHT, BINDING_JUMP}) Hold(action, false);
+        if (cloud) {
+            EXPECT_NEAR(landed.y, 24 * T, 4) << "with the cloud, on the shelf";
+            EXPECT_GE(landed.x, 63 * T) << "with the cloud";
+        } else {
+            EXPECT_NEAR(landed.y, 30 * T, 4) << "without the cloud, back at the foot";
+            EXPECT_LT(landed.x, 63 * T) << "without the cloud";
         }
     }
 }

@@ -6,6 +6,8 @@
 
 #include <functional>
 
+#include "enemies/enemies.h"
+
 namespace {
 
 constexpr float T = 96;            // one tile in world px
@@ -265,5 +267,89 @@ TEST(LevelRules, ABossIsFoughtBehindGatesThatOnlyItsDeathOpens) {
         std::string faults = Lines(CheckLevelRules(room));
         EXPECT_NE(faults.find(reported), std::string::npos)
             << "expected \"" << reported << "\" among" << faults;
+    }
+}
+
+TEST(LevelRules, ABossThatCannotDieNeedsNoGates) {
+    Room garden = MakeBossRoom();
+    garden.doorLists.clear();
+    garden.triggers.clear();
+    garden.enemySpawns[0] = {{15.5f * T, kFloorY - 110}, ENEMY_GODDESS, 0};
+    EXPECT_TRUE(CheckLevelRules(garden).empty()) << Lines(CheckLevelRules(garden));
+}
+
+// Each kind's spawn as it moves: flying enemies hover over a floor, the King (who has no
+// gravity) has floor under his whole arena, and nothing in the middle layers hides the Goddess
+// on her drift.
+TEST(LevelRules, EachKindStandsOrHoversAsItMoves) {
+    auto tile = [](const char* layer, float x, float y) {
+        sf::Sprite sprite;
+        sprite.setTextureRect({0, 0, 32, 32});
+        sprite.setScale(3, 3);
+        sprite.setPosition(x, y);
+        return RoomLayer{layer, {sprite}};
+    };
+    struct Case {
+        const char* what;
+        std::function<void(Room&)> place;
+        const char* reported;  // nullptr: the room keeps every rule
+    };
+    const std::vector<Case> cases = {
+        {"a knight a tile over its floor",
+         [](Room& r) {
+             r.enemySpawns[0] = {{8.5f * T, kFloorY - T}, ENEMY_FLYING_KNIGHT, 0};
+         },
+         nullptr},
+        {"a knight in the ceiling",
+         [](Room& r) {
+             r.enemySpawns[0] = {{8.5f * T, T / 2}, ENEMY_FLYING_KNIGHT, 0};
+         },
+         "room 1: enemy spawn 0 (kind 6) at (816, 48) [tile 8, 0] hovers inside the solid "
+         "rectangle (0, 0, 1920 x 96)"},
+        {"a knight high over the floor",
+         [](Room& r) {
+             r.enemySpawns[0] = {{8.5f * T, 4 * T}, ENEMY_FLYING_KNIGHT, 0};
+         },
+         "enemy spawn 0 (kind 6) at (816, 384) [tile 8, 4] hovers over no floor within 576 px"},
+        {"the King on his floor", [](Room& r) { r.enemySpawns[0].enemyType = ENEMY_KING; },
+         nullptr},
+        {"the King over a pit in his arena",
+         [](Room& r) {
+             r.enemySpawns[0].enemyType = ENEMY_KING;
+             r.collisions[1].shape->setSize({12 * T, T});
+             AddSolid(r, 13 * T, kFloorY, 7 * T, T);
+         },
+         "enemy spawn 0 (kind 1) at (816, 1056) [tile 8, 11] walks on air at (1156, 1056) "
+         "[tile 12, 11]: his arena (384, 480, 960 x 600) reaches past his floor"},
+        {"the Goddess with her floor drawn behind her",
+         [&](Room& r) {
+             r.enemySpawns[0] = {{10 * T, kFloorY - 110}, ENEMY_GODDESS, 0};
+             r.layers.push_back(tile("Background", 12 * T, kFloorY));
+         },
+         nullptr},
+        {"a middle-layer tile in the Goddess's flight",
+         [&](Room& r) {
+             r.enemySpawns[0] = {{10 * T, kFloorY - 110}, ENEMY_GODDESS, 0};
+             r.layers.push_back(tile("Ground", 12 * T, kFloorY));
+         },
+         "enemy spawn 0 (kind 7) at (960, 946) [tile 10, 9]: the tile of layer \"Ground\" at "
+         "(1152, 1056) [tile 12, 11] lies in her flight (160, 746, 1600 x 400) and hides her"},
+        {"the Goddess drifting through a wall",
+         [](Room& r) {
+             r.enemySpawns[0] = {{6 * T, kFloorY - 110}, ENEMY_GODDESS, 0};
+         },
+         "enemy spawn 0 (kind 7) at (576, 946) [tile 6, 9] drifts out of the room: her flight "
+         "(-224, 746, 1600 x 400)"},
+    };
+    for (const Case& c : cases) {
+        Room room = MakeRoom(1, 2, true);
+        c.place(room);
+        std::string faults = Lines(CheckStandingPoints(room));
+        if (!c.reported) {
+            EXPECT_TRUE(faults.empty()) << c.what << ":" << faults;
+        } else {
+            EXPECT_NE(faults.find(c.reported), std::string::npos)
+                << c.what << ": expected \"" << c.reported << "\" among" << faults;
+        }
     }
 }

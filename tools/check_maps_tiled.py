@@ -11,7 +11,8 @@ For each Assets/Maps/Rooms/Room*.json (or the maps given) this
 - checks the game's rules: map properties, layer shapes, walls closed except at doors, doors and
   door spawns (links resolve where the target room exists and lead back, arrival sides, spawns
   outside door rectangles, Left/Right doors ending at the floor, a ledge over Down holes and no
-  floor under them), enemies standing on the floor inside their containers, checkpoint ids 0..n-1,
+  floor under them), enemies standing on the floor inside their containers (flying ones hovering
+  over a floor), checkpoint ids 0..n-1,
   statue triggers near their statue, one camera container, chest and merchant objects, and locked
   door groups (every "Locked Door trigger" names a group and every group has one; doors one tile
   wide, at least three tall, standing on the floor under solid middle-layer terrain as tall as the
@@ -36,6 +37,8 @@ OPPOSITE = {"Left": "Right", "Right": "Left", "Up": "Down", "Down": "Up"}
 GID_FLAGS = 0xE0000000
 BODY_HALF_W, BODY_H = 40 / 3, 180 / 3  # the hero's body in map px (80 x 180 world)
 UNDYING = {5, 7}  # Plant and Goddess never die: they never count towards "enemyToKill"
+FLYING = {6, 7}  # the Flying Knight and the Goddess float at their spawn's height
+HOVER_ROWS = 6  # over a floor at most six tiles down
 LOCKDOOR_MIN_H = 3 * 32  # a locked door is at least three tiles tall
 DOOR_BASE = ROOT / "Assets" / "Sprites" / "Objects" / "Door" / "{}-DoorDownPart.png"
 NOISE = re.compile(r"^(QStandardPaths: XDG_RUNTIME_DIR not set.*|)$")
@@ -312,10 +315,12 @@ class MapCheck:
                 self.err("an EnemySpawn must be a point with EnemyType 0..7 and idContainer")
                 continue
             c = containers.get(cid)
+            inside = c is not None and c["x"] <= o["x"] <= c["x"] + c["width"] and (
+                c["y"] < o["y"] < c["y"] + c["height"] if kind in FLYING else
+                c["y"] + BODY_H < o["y"] <= c["y"] + c["height"] <= o["y"] + tw)
             if c is None:
                 self.err(f"enemy at ({o['x']}, {o['y']}) has no container {cid}")
-            elif not (c["x"] <= o["x"] <= c["x"] + c["width"]
-                      and c["y"] + BODY_H < o["y"] <= c["y"] + c["height"] <= o["y"] + tw):
+            elif not inside:
                 self.err(f"enemy at ({o['x']}, {o['y']}): container {cid} must hold it, reach "
                          "above its head and end at its floor")
         self.check_door_groups()
@@ -468,6 +473,12 @@ class MapCheck:
             if not o.get("point"):
                 continue
             cx, cy = int(o["x"] // 32), int(round(o["y"])) // 32
+            if o["name"] == "EnemySpawn" and _value(o, "EnemyType") in FLYING:
+                floors = [r for r in range(-(-int(o["y"]) // 32), min(h, cy + HOVER_ROWS + 1))
+                          if solid[r][cx] or oneway[r][cx]]
+                if solid[cy][cx] or not floors:
+                    self.err(f"EnemySpawn at ({o['x']}, {o['y']}) hovers over no floor")
+                continue
             if o["y"] != cy * 32 or not (0 <= cx < w and 0 <= cy < h) or \
                     not (solid[cy][cx] or oneway[cy][cx]) or (cy > 0 and solid[cy - 1][cx]):
                 self.err(f'{o["name"]} at ({o["x"]}, {o["y"]}) does not stand on a floor')

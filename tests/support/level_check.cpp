@@ -119,6 +119,15 @@ std::optional<sf::FloatRect> RockInside(const Room& room, const sf::FloatRect& b
     return std::nullopt;
 }
 
+std::optional<sf::FloatRect> RockAt(const Room& room, sf::Vector2f point) {
+    for (const Collision& collision : room.collisions) {
+        if (collision.active && collision.kind == COLLISION_SOLID &&
+            Bounds(collision.shape).contains(point))
+            return Bounds(collision.shape);
+    }
+    return std::nullopt;
+}
+
 sf::FloatRect HeroBox(sf::Vector2f feet) {
     return {feet.x - kHeroWidth / 2, feet.y - kHeroHeight, kHeroWidth, kHeroHeight};
 }
@@ -170,10 +179,70 @@ void CheckPlacedOnFloor(const Room& room, const std::string& what, sf::Vector2f 
     }
 }
 
+bool Flies(const EnemySpawn& enemy) {
+    return enemy.enemyType == ENEMY_FLYING_KNIGHT || enemy.enemyType == ENEMY_GODDESS;
+}
+
+// A flying enemy keeps its spawn's height: it hovers in open air over a floor.
+void CheckHovering(const Room& room, const std::string& what, sf::Vector2f at, Faults& faults) {
+    std::string name = RoomName(room) + ": " + what;
+    CheckInsideCamera(room, name, at, faults);
+    if (auto rock = RockAt(room, at)) {
+        faults.push_back(name + " at " + At(at) + " hovers inside the solid rectangle " +
+                         RectText(*rock));
+    } else if (!FloorUnder(room, at, kSlack, kHighestHover)) {
+        faults.push_back(name + " at " + At(at) + " hovers over no floor within " +
+                         Num(kHighestHover) + " px");
+    }
+}
+
+// The King has no gravity: wherever his arena lets him walk, the floor must be at his feet.
+void CheckKingsFloor(const Room& room, const std::string& what, const EnemySpawn& king,
+                     const sf::FloatRect& arena, Faults& faults) {
+    for (float x = arena.left + kSlack; x < arena.left + arena.width - kSlack; x += kTile / 4) {
+        if (FloorUnder(room, {x, king.position.y}, kSlack, kSlack)) continue;
+        faults.push_back(RoomName(room) + ": " + what + " at " + At(king.position) +
+                         " walks on air at " + At({x, king.position.y}) + ": his arena " +
+                         RectText(arena) + " reaches past his floor");
+        return;
+    }
+}
+
+// The Goddess drifts 800 px either side of her spawn and 200 px up and down, drawn behind the
+// middle layers: no middle-layer tile may hide her there.
+void CheckFlightZone(const Room& room, const std::string& what, sf::Vector2f at, Faults& faults) {
+    sf::FloatRect zone(at.x - kFlightHalfWidth, at.y - kFlightHalfHeight, 2 * kFlightHalfWidth,
+                       2 * kFlightHalfHeight);
+    std::string name = RoomName(room) + ": " + what + " at " + At(at);
+    if (room.cameraContainer) {
+        sf::FloatRect camera = Bounds(room.cameraContainer), inside;
+        if (!zone.intersects(camera, inside) || inside != zone)
+            faults.push_back(name + " drifts out of the room: her flight " + RectText(zone));
+    }
+    for (const RoomLayer& layer : room.layers) {
+        if (layer.name == "Background" || layer.name == "Foreground") continue;
+        for (const sf::Sprite& tile : layer.tiles) {
+            sf::FloatRect overlap;
+            if (!tile.getGlobalBounds().intersects(zone, overlap) || overlap.width < 1 ||
+                overlap.height < 1)
+                continue;
+            faults.push_back(name + ": the tile of layer \"" + layer.name + "\" at " +
+                             At(tile.getPosition()) + " lies in her flight " + RectText(zone) +
+                             " and hides her");
+            return;
+        }
+    }
+}
+
 void CheckEnemy(const Room& room, int index, const EnemySpawn& enemy, Faults& faults) {
     std::string what =
         "enemy spawn " + std::to_string(index) + " (kind " + std::to_string(enemy.enemyType) + ")";
-    CheckPlacedOnFloor(room, what, enemy.position, faults);
+    if (Flies(enemy)) {
+        CheckHovering(room, what, enemy.position, faults);
+    } else {
+        CheckPlacedOnFloor(room, what, enemy.position, faults);
+    }
+    if (enemy.enemyType == ENEMY_GODDESS) CheckFlightZone(room, what, enemy.position, faults);
     const EnemyContainer* container = nullptr;
     for (const EnemyContainer& candidate : room.enemyContainers) {
         if (candidate.id == enemy.containerId) {
@@ -188,6 +257,8 @@ void CheckEnemy(const Room& room, int index, const EnemySpawn& enemy, Faults& fa
     } else if (!Bounds(container->shape).contains(enemy.position)) {
         faults.push_back(name + " lies outside its container " + id + " " +
                          RectText(Bounds(container->shape)));
+    } else if (enemy.enemyType == ENEMY_KING) {
+        CheckKingsFloor(room, what, enemy, Bounds(container->shape), faults);
     }
 }
 
@@ -457,6 +528,8 @@ void CheckTriggerSides(const Room& room, const Grid& shut, Faults& faults) {
 
 // The boss is shut in on every side, and nobody comes at it without shutting the doors first.
 void CheckBossShutIn(const Room& room, const Grid& shut, Faults& faults) {
+    // A boss that never dies opens no door: nothing waits for it.
+    if (std::none_of(room.enemySpawns.begin(), room.enemySpawns.end(), Mortal)) return;
     if (room.doorLists.empty()) {
         faults.push_back(RoomName(room) +
                          " is a boss room without locked doors: nothing keeps "

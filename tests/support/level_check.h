@@ -25,11 +25,17 @@ std::string RoomName(const Room& room);
 constexpr float kHeroWidth = 80, kHeroHeight = 180;
 // How far a hero spawn may stand above its floor: arrivals and revivals drop onto it.
 constexpr float kLongestSpawnDrop = 96;
+// How high a flying enemy (the Flying Knight, the Goddess) may hover over its floor.
+constexpr float kHighestHover = 6 * kTile;
+// The Goddess's drift about her spawn, either way.
+constexpr float kFlightHalfWidth = 800, kFlightHalfHeight = 200;
 
 // Every edge of the camera container is solid rock or a transition door.
 std::vector<std::string> CheckWalls(const Room& room);
 // Checkpoint and door spawns inside the camera container, clear of rock and death zones, a short
-// drop above a floor; enemies inside their container, chests and the merchant exactly on a floor.
+// drop above a floor; enemies inside their container, chests and the merchant exactly on a floor
+// (flying enemies hover over one; the King, who has no gravity, has floor under his whole arena;
+// the Goddess's flight is clear of middle-layer tiles).
 std::vector<std::string> CheckStandingPoints(const Room& room);
 // Door spawns outside every door rectangle, on the room's side of the door they belong to, where
 // the door's walk-in actually brings the hero.
@@ -37,7 +43,7 @@ std::vector<std::string> CheckArrivals(const Room& room);
 // Locked doors that close and open again: each group has its trigger and waits for no more kills
 // than the room's mortal enemies, and each trigger lies on their side of the shut doors. In a boss
 // room the shut doors close every way out around the boss, and every arrival steps into a trigger
-// before it can reach the boss.
+// before it can reach the boss (unless no boss there can die: then nothing waits for it).
 std::vector<std::string> CheckLockedDoors(const Room& room);
 // The four above.
 std::vector<std::string> CheckLevelRules(const Room& room);

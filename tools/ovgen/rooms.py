@@ -72,6 +72,11 @@ ENEMY_TYPES = {"frog": 0, "king": 1, "nomad": 2, "trash": 3, "slime": 4, "plant"
 DIRECTIONS = ("Left", "Right", "Up", "Down")
 ABILITIES = {"dash": 0, "run": 1, "cloud": 2}
 UNDYING = {"plant", "goddess"}  # never die, so they never count towards a door group's kills
+FLYING = {"knight", "goddess"}  # float at their spawn's height: may hover over their floor
+HOVER_CEILING = 6 * T           # a hovering spawn stays inside its container, six tiles tall
+# The Goddess drifts on a figure-eight 1600 x 400 world px about her spawn (map px here), drawn
+# behind the middle layers: the tiles her drift crosses go to the "Background" layer.
+FLIGHT_HALF_WIDTH, FLIGHT_HALF_HEIGHT = 800 / 3, 200 / 3
 LOCKDOOR_MIN_ROWS = 3  # a locked door is at least three tiles tall
 
 # Decoration density per region: ground decor, hanging decor, fireflies in open air,
@@ -387,6 +392,7 @@ class Objects:
                         "CameraContainer", "Pnj", "Chest")}
         self.door_groups = {}  # group id -> dict(kill=n, doors=[(x, y, w, h, closed)])
         self.elevators = []    # dicts from _elevator, in source order
+        self.flight_zones = []  # (left, top, right, bottom) of each Goddess's drift
 
     def rect(self, layer, name, x, y, w, h, props=None):
         self.layers[layer].append(dict(name=name, x=x, y=y, width=w, height=h, point=False,
@@ -518,6 +524,38 @@ def _elevator(room, words, line):
                 trigger=(x0 * T, y0 * T - T, width, 3 * T))
 
 
+def _hover(words, line):
+    """The height in map px that "above <n>" lifts a flying kind's spawn over its floor; 0."""
+    if len(words) == 3:
+        return 0
+    if len(words) != 5 or words[3] != "above" or words[1] not in FLYING:
+        raise SourceError(f"line {line}: only {sorted(FLYING)} hover: write "
+                          f"'enemy <kind> <letter> above <map px>'")
+    above = float(words[4])
+    if not 0 < above <= HOVER_CEILING:
+        raise SourceError(f"line {line}: a spawn hovers between 0 and {HOVER_CEILING} map px up")
+    return above
+
+
+def _clear_flight_zones(room, tiles, zones):
+    """Ground tiles under the Goddess's drift move behind her (they still collide), the
+    generated decoration there is left out, and a hand-placed piece there is an error."""
+    w = room.width
+    for x0, y0, x1, y1 in zones:
+        for y in range(max(0, int(y0 // T)), min(room.height, int(-(-y1 // T)))):
+            for x in range(max(0, int(x0 // T)), min(w, int(-(-x1 // T)))):
+                i = y * w + x
+                if tiles["Decor"][i] is not None:
+                    if room.cell(x, y) in MARKS or room.cell(x, y) in PIECES:
+                        raise SourceError(f"the piece at ({x}, {y}) lies in the Goddess's flight")
+                    tiles["Decor"][i] = None
+                if tiles["Ground"][i] is not None:
+                    if tiles["Background"][i] is not None:
+                        raise SourceError(f"the cell ({x}, {y}) under the Goddess's flight has "
+                                          f"a back wall and ground")
+                    tiles["Background"][i], tiles["Ground"][i] = tiles["Ground"][i], None
+
+
 def objects(room):
     obj = Objects()
     doors, containers = [], {}
@@ -571,19 +609,26 @@ def objects(room):
                 obj.rect("Pnj", "MerchantZone", px - 44, py - 96, 88, 96)
                 obj.point("Pnj", "Merchant", px, py)
             elif key == "enemy":
-                # enemy <kind> <letter>: one enemy on every cell of the letter
+                # enemy <kind> <letter> [above <map px>]: one enemy on every cell of the letter,
+                # standing on the floor under it, or (a flying kind) hovering that far above it
                 kind, letter = ENEMY_TYPES[words[1]], words[2]
+                above = _hover(words, line)
                 cells = room.anchors(letter)
                 if not cells:
                     raise SourceError(f"line {line}: no cell '{letter}' in the grid")
                 for x, y in cells:
-                    if not room.standable(x, y + 1):
+                    floor = _floor_below(room, x, y + 1) if above else y + 1
+                    if floor is None or not room.standable(x, floor):
                         raise SourceError(f"line {line}: enemy at ({x}, {y}) has no floor")
-                    seg = (*_segment(room, x, y), y)
+                    seg = (*_segment(room, x, floor - 1), floor - 1)
                     if seg not in containers:
                         containers[seg] = len(containers)
-                    obj.point("Enemies", "EnemySpawn", (x + 0.5) * T, (y + 1) * T,
+                    px, py = (x + 0.5) * T, floor * T - above
+                    obj.point("Enemies", "EnemySpawn", px, py,
                               _props(EnemyType=kind, idContainer=containers[seg]))
+                    if words[1] == "goddess":
+                        obj.flight_zones.append((px - FLIGHT_HALF_WIDTH, py - FLIGHT_HALF_HEIGHT,
+                                                 px + FLIGHT_HALF_WIDTH, py + FLIGHT_HALF_HEIGHT))
             elif key == "trigger":
                 # trigger <name with _ for spaces> <value> <letter>
                 x0, y0, x1, y1 = room.area(words[3], line)
@@ -686,7 +731,9 @@ def build(room):
     layers.append({"id": group_id, "layers": backdrops, "name": "Background", "opacity": 1,
                    "type": "group", "visible": True, "x": 0, "y": 0})
 
+    obj = objects(room)
     tiles = tile_layers(room)
+    _clear_flight_zones(room, tiles, obj.flight_zones)
     for name in ("Background", "Ground", "Decor", "Foreground"):
         data = [0 if t is None else t + 1 for t in tiles[name]]
         if name in ("Background", "Foreground") and not any(data):
@@ -695,7 +742,6 @@ def build(room):
                        "opacity": 1, "type": "tilelayer", "visible": True, "width": room.width,
                        "x": 0, "y": 0})
 
-    obj = objects(room)
     always = ("Trigger", "Player", "TransitionDoor", "Enemies", "CameraContainer")
     for name, items in obj.layers.items():
         if not items and name not in always:
