@@ -294,3 +294,18 @@ TEST_F(TransitionTest, KillsBeforeTheArenaLocksDoNotOpenIt) {
         EXPECT_EQ(room.collisions[door.collisionIndex].active, 0);
     }
 }
+
+// The watch gallery and the garden show the whole room at once; the rooms beside them do not.
+TEST_F(TransitionTest, OnlyTheRoomsShownWholeWidenTheViewAndTheNextRoomNarrowsItAgain) {
+    const sf::View& view = *GameCamera().view;
+    for (int room : {14, 15, 23, 22, 14, 13}) {
+        Enter(room);
+        bool whole = room == 14 || room == 23;
+        sf::Vector2f size = view.getSize();
+        if (whole) {
+            EXPECT_GT(size.x, 1920) << "room " << room << " shown whole";
+        } else {
+            EXPECT_EQ(size, sf::Vector2f(1920, 1080)) << "room " << room << " after a whole room";
+        }
+    }
+}

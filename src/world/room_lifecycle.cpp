@@ -13,6 +13,23 @@
 namespace {
 
 int currentRoom = 0;
+// The last room fitted the view to itself: the next room gets the normal framing back.
+bool viewFitted = false;
+const sf::Vector2f kNormalViewSize(1920, 1080);
+
+// Rooms 14 and 23 show their whole container at once; every other room the normal framing.
+void FrameRoom(int roomNumber) {
+    Camera& camera = GameCamera();
+    if (!camera.view) return;
+    bool fits = (roomNumber == 14 || roomNumber == 23) && CurrentRoom().cameraContainer;
+    if (!fits && !viewFitted) return;
+    sf::Vector2f size =
+        fits ? FitViewSize(CurrentRoom().cameraContainer->getSize()) : kNormalViewSize;
+    if (camera.mode == CAMERA_FOLLOW) camera.targetSize = size;
+    if (camera.mode == CAMERA_FIXED) camera.fixedSize = size;
+    camera.view->setSize(size);
+    viewFitted = fits;
+}
 
 }  // namespace
 
@@ -20,13 +37,7 @@ void LoadNextTargetRoom(sf::RenderWindow& window, int roomNumber) {
     currentRoom = roomNumber;
     LoadRoomMap(window, RoomMapPath(roomNumber), 32, 3.0f, roomNumber);
     LoadStatueTextures(CurrentRoom().region);
-    Camera& camera = GameCamera();
-    if ((roomNumber == 14 || roomNumber == 23) && camera.view && CurrentRoom().cameraContainer) {
-        sf::Vector2f fitted = FitViewSize(CurrentRoom().cameraContainer->getSize());
-        if (camera.mode == CAMERA_FOLLOW) camera.targetSize = fitted;
-        if (camera.mode == CAMERA_FIXED) camera.fixedSize = fitted;
-        camera.view->setSize(fitted);
-    }
+    FrameRoom(roomNumber);
     const Room& room = CurrentRoom();
     CreateElevatorDecorations();
     CreateDoorSprites(room.region);

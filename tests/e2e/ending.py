@@ -9,7 +9,7 @@ import sys
 
 import numpy
 
-from driver import Game, saved_at
+from driver import LOADED_ROOM, Game, saved_at
 
 # The ending screen's dawn colour, before the landscape settles in.
 DAWN = (255, 240, 214)
@@ -32,7 +32,8 @@ def main(binary):
     game = Game(binary, save)
     try:
         game.play()
-        game.wait_for_line("The Goddess")
+        game.wait_until(lambda: game.count(LOADED_ROOM) >= 1, "the garden loaded")
+        game.wait_for_hero_at_rest()
         console(game, "/god")
         console(game, "/kill/enemy")
         game.wait_for_line("Ending : dawn\n")
