@@ -9,6 +9,7 @@ import sys
 
 import numpy
 
+from boss import bar_pixels
 from driver import LOADED_ROOM, Game, saved_at
 
 # The ending screen's dawn colour, before the landscape settles in.
@@ -34,6 +35,9 @@ def main(binary):
         game.play()
         game.wait_until(lambda: game.count(LOADED_ROOM) >= 1, "the garden loaded")
         game.wait_for_hero_at_rest()
+        fight, _ = game.wait_for_screen(lambda image: bar_pixels(image) > 900 * 24 // 2,
+                                        "the Goddess's bar risen at the bottom of the screen")
+        game.screenshot("goddess", fight)
         console(game, "/god")
         console(game, "/kill/enemy")
         game.wait_for_line("Ending : dawn\n")
@@ -42,9 +46,15 @@ def main(binary):
         game.wait_for_line("Ending : the end\n")
         # Once the white has settled the roll runs; a press hurries it, another leaves.
         start = game.output().find("Ending : the end\n")
-        game.wait_for_screen(lambda image: not mostly_dawn(image),
-                             "the title's landscape under the roll")
-        game.screenshot("ending-roll")
+        # The night sky of the title's landscape comes back from under the white.
+        game.wait_for_screen(lambda image: image[:200, 600:1200].mean() < 90,
+                             "the title's landscape settled under the roll")
+        # The epilogue's white lines rise up the left side.
+        rolling, _ = game.wait_for_screen(
+            lambda image: int((image[200:900, 0:860].min(axis=2) > 225).sum()) > 3000,
+            "the epilogue rolling up the left side")
+        game.screenshot("ending-roll", rolling)
+
         def pressed_through():
             game.key("space")
             return "Ending : back to the title\n" in game.output()[start:]

@@ -20,14 +20,16 @@ def main(binary):
         game.play()
         settings = game.read("Assets/Settings/BindingSettings.txt")
         right = key_for("RIGHT", settings)
-        loads = game.count(LOADED_ROOM)
         deadline = time.time() + WALK_DEADLINE
         with game.holding(right):
             while game.count(TRANSITION) == 0:
                 if time.time() > deadline:
                     game.fail("the palace door taken within %d s of walking east" % WALK_DEADLINE)
                 time.sleep(0.1)
-        game.wait_until(lambda: game.count(LOADED_ROOM) > loads, "the throne hall loaded")
+        # The palace steps were the first room loaded, the throne hall is the second.
+        game.wait_until(lambda: game.count(LOADED_ROOM) >= 2 and
+                        "0.000000 0.000000" in game.output(),
+                        "the King's boss bar made on arrival in the throne hall")
         king = worn_only_by("Sprites/Enemies/Boss/King")
         panned, _ = game.wait_for_screen(
             lambda image: find(image, king) is not None and abs(find(image, king).x - 960) < 400,
