@@ -75,14 +75,49 @@ def unfolded(image, before):
     return ys, xs
 
 
-def open_menu(game, interact, before):
-    """INTERACT, then the two buttons unfolded over the forge; returns the middle of BUY."""
-    game.key(interact)
-    _, (ys, xs) = game.wait_for_screen(lambda image: unfolded(image, before),
-                                       "the blacksmith's BUY and LEAVE unfolded")
+def buy_button(image, before):
+    """The middle of BUY once both buttons have unfolded, else None."""
+    found = unfolded(image, before)
+    if found is None:
+        return None
+    ys, xs = found
     top = ys.min()
     first = ys < top + 50  # BUY, the upper button
     return int(numpy.median(xs[first])), int(top + 31)
+
+
+def settled_buy_button(game, before):
+    """BUY where two looks in a row agree: the menu stands in the world, and the view may still
+    be easing onto the hero who has just stopped."""
+    last = None
+
+    def steady(image):
+        nonlocal last
+        seen, previous = buy_button(image, before), last
+        last = seen
+        still = seen and previous and max(abs(seen[0] - previous[0]),
+                                          abs(seen[1] - previous[1])) <= 2
+        return seen if still else None
+
+    _, spot = game.wait_for_screen(steady, "the blacksmith's BUY and LEAVE unfolded and still")
+    return spot
+
+
+def open_shop(game, interact, before):
+    """INTERACT, then BUY in the menu over the forge; a click lost to a moving view is tried again
+    where BUY stands then. Returns the screen with the shop."""
+    game.key(interact)
+    for _ in range(3):
+        game.click(*settled_buy_button(game, before))
+        try:
+            shop, _ = game.wait_for_screen(shop_shown, "the shop panel with the potion's BUY",
+                                           timeout=8)
+            return shop
+        except AssertionError:
+            if buy_button(game.screen(), before) is None:
+                break
+    game.screenshot("merchant-no-shop")
+    game.fail("the shop panel with the potion's BUY after clicking the menu's BUY")
 
 
 def shop_shown(image):
@@ -99,13 +134,7 @@ def main(binary):
         keys = {action: key_for(action, settings) for action in ("RIGHT", "LEFT", "INTERACT")}
         add_money(game)
         before = walk_to_the_blacksmith(game, keys)
-        buy = open_menu(game, keys["INTERACT"], before)
-        game.click(*buy)
-        try:
-            shop, _ = game.wait_for_screen(shop_shown, "the shop panel with the potion's BUY")
-        except AssertionError:
-            game.screenshot("merchant-no-shop")
-            raise
+        shop = open_shop(game, keys["INTERACT"], before)
         game.screenshot("shop", shop)
         bought = game.count("potion +\n")
         game.click(*POTION_BUY)
