@@ -92,16 +92,20 @@ def fight(game, keys):
     return presser.presses
 
 
-def counter_ink(image):
-    """The white pixels of the money counter: its digits, and the gain shown under them."""
-    corner = image[0:140, 1640:1920]
-    return int(numpy.count_nonzero(numpy.all(corner == 255, axis=-1)))
+def counter_width(image):
+    """How wide the money counter's white digits spread (px); the gain popup under them is left
+    out, so the width holds after the popup fades."""
+    amount = image[25:85, 1640:1920]
+    columns = numpy.flatnonzero(numpy.any(numpy.all(amount == 255, axis=-1), axis=0))
+    return int(columns[-1] - columns[0] + 1) if columns.size else 0
 
 
 def main(binary):
     game = Game(binary, saved_at(2))
     try:
-        start = game.play()
+        game.play()
+        # The counter shows its "0" once the room has faded in.
+        _, zero = game.wait_for_screen(counter_width, "the money counter showing 0")
         settings = game.read("Assets/Settings/BindingSettings.txt")
         keys = {action: key_for(action, settings) for action in ("LEFT", "RIGHT", "PARRY")}
         presses = fight(game, keys)
@@ -112,9 +116,10 @@ def main(binary):
         image, _ = game.wait_for_screen(lambda seen: find(seen, trash),
                                         "the fallen Trash in view in its own colours")
         shot = game.screenshot("fight", image)
-        # The Trash's coins fly into the hero and the counter climbs from 0 to its pay.
-        paid, _ = game.wait_for_screen(lambda seen: counter_ink(seen) > 2 * counter_ink(start),
-                                       "the money counter to climb after the kill")
+        # The Trash's coins fly into the hero and the counter climbs from 0 to its pay of 30.
+        # "30" spreads twice as wide as the "0" of the start.
+        paid, _ = game.wait_for_screen(lambda seen: counter_width(seen) > 1.6 * zero > 0,
+                                       "the money counter to climb to two digits after the kill")
         game.screenshot("fight-paid", paid)
         assert game.count(TRASH_DOWN) == 1, "one Trash fell, the log says:\n" + game.log_tail()
         assert TRANSITION not in game.output(), "the hero left room 2 during the fight"
