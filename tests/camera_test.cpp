@@ -5,6 +5,7 @@
 
 #include <cstdlib>
 
+#include "support/pictures.h"
 #include "world/room.h"
 #include "world/room_draw.h"
 
@@ -273,4 +274,88 @@ TEST_F(BackgroundTest, OverlayDrawsOnlyWhenOnAndNeverInactiveRectangles) {
     EXPECT_EQ(pixel(10), sf::Color::Black);
     DebugOverlay() = 0;
     room.collisions.clear();
+}
+
+namespace {
+
+// A 50 x 30 backdrop, a size no piece divides: a red hill in its lower right, clear elsewhere but
+// for one faint texel high on the left, which must not be dropped.
+sf::Image HillPicture() {
+    return MakePicture({50, 30}, [](unsigned x, unsigned y) {
+        if (x == 3 && y == 2) return sf::Color(0, 0, 255, 1);
+        return y > 18 && x > 20 ? sf::Color(200, 40, 40, 255) : sf::Color(0, 0, 0, 0);
+    });
+}
+
+// The backdrop drawn as a plain sprite, then as its pieces, onto the same grey.
+std::pair<sf::Image, sf::Image> BothWays(Background& background) {
+    sf::RenderTexture canvas;
+    EXPECT_TRUE(canvas.create(320, 200));
+    canvas.setView(sf::View(sf::FloatRect(-37, -23, 320, 200)));
+    auto draw = [&](auto&& what) {
+        canvas.clear(sf::Color(90, 90, 90));
+        what();
+        canvas.display();
+        return canvas.getTexture().copyToImage();
+    };
+    sf::Image sprite = draw([&] { canvas.draw(*background.sprite); });
+    sf::RenderStates states(background.texture.get());
+    states.transform = background.sprite->getTransform();
+    sf::Image pieces = draw([&] { canvas.draw(background.pieces, states); });
+    return {sprite, pieces};
+}
+
+}  // namespace
+
+// The backdrop is drawn as the squares that show something; they must give back the very picture
+// the whole sprite gives, across the picture's ragged edges and its repeats either way.
+TEST(BackgroundPieces, DrawExactlyWhatTheWholeBackdropDraws) {
+    struct Case {
+        const char* name;
+        sf::IntRect rect;
+        float scale;
+    } cases[] = {
+        {"plain", {0, 0, 50, 30}, 3},
+        {"repeated sideways", {0, 0, 200, 30}, 2},
+        {"repeated upwards, flipped", {0, 0, 50, -120}, 2},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        Background background;
+        background.texture = std::make_unique<sf::Texture>();
+        ASSERT_TRUE(background.texture->loadFromImage(HillPicture()));
+        background.texture->setRepeated(true);
+        background.sprite = std::make_unique<sf::Sprite>(*background.texture, c.rect);
+        background.sprite->setPosition(-11, 4);
+        background.sprite->setScale(c.scale, c.scale);
+        BuildBackgroundPieces(background);
+        EXPECT_FALSE(background.opaque);
+        auto [sprite, pieces] = BothWays(background);
+        ASSERT_EQ(sprite.getSize(), pieces.getSize());
+        int differing = 0;
+        for (unsigned y = 0; y < sprite.getSize().y; y++) {
+            for (unsigned x = 0; x < sprite.getSize().x; x++) {
+                differing += sprite.getPixel(x, y) != pieces.getPixel(x, y);
+            }
+        }
+        EXPECT_EQ(differing, 0);
+        // The empty sky is left out: fewer texels drawn than the whole rectangle.
+        float covered = 0;
+        for (size_t i = 0; i + 3 < background.pieces.getVertexCount(); i += 4) {
+            sf::Vector2f a = background.pieces[i].position, b = background.pieces[i + 2].position;
+            covered += (b.x - a.x) * (b.y - a.y);
+        }
+        EXPECT_LT(covered, 0.8f * float(std::abs(c.rect.width * c.rect.height)));
+    }
+}
+
+// An opaque backdrop covers its whole rectangle and is copied without blending.
+TEST(BackgroundPieces, OpaqueBackdropCoversEverything) {
+    Background background;
+    background.texture = std::make_unique<sf::Texture>();
+    ASSERT_TRUE(background.texture->loadFromImage(MakePicture({40, 24}, Plain(sf::Color::Blue))));
+    background.sprite = std::make_unique<sf::Sprite>(*background.texture);
+    BuildBackgroundPieces(background);
+    EXPECT_TRUE(background.opaque);
+    EXPECT_EQ(background.pieces.getBounds(), sf::FloatRect(0, 0, 40, 24));
 }

@@ -3,6 +3,7 @@
 #include "common/log.h"
 #include "common/motion.h"
 #include "world/camera.h"
+#include "world/room_draw.h"
 #include "world/tiled.h"
 
 namespace {
@@ -225,6 +226,7 @@ void ReadBackgrounds(const TiledLayer& group) {
             background.sprite->setTextureRect({rect.left, rect.top, rect.width, -4 * rect.height});
             background.texture->setRepeated(true);
         }
+        BuildBackgroundPieces(background);
         room.backgrounds.push_back(std::move(background));
     }
 }
@@ -296,6 +298,8 @@ void ResetRoomContents(int roomNumber) {
     room.tileAnimations.clear();
     room.doorLists.clear();
     room.elevators.clear();
+    room.backdropCover.clear();
+    room.coverColumns = 0;
     room.hasMerchant = 0;
     room.roomNumber = roomNumber;
     room.loaded = false;
@@ -394,6 +398,7 @@ void BuildRoom(const TiledMap& map, const TiledTileset& tileset, float scale, in
     }
     LinkElevatorCollisions();
     LinkDoorCollisions();
+    BuildBackdropCover();
     room.loaded = true;
     Log("nb of collisions : %d\n", int(room.collisions.size()));
 }

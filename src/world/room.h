@@ -5,6 +5,7 @@
 
 #include <SFML/Graphics.hpp>
 #include <array>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -77,7 +78,11 @@ struct DeathZone {
 
 struct Background {
     TexturePtr texture;
-    SpritePtr sprite;
+    SpritePtr sprite;  // places the backdrop; what is drawn is `pieces`, in the sprite's frame
+    // The parts of the sprite that are not wholly transparent, as textured quads: most of a
+    // backdrop is empty sky, and a software renderer pays for every texel it blends.
+    sf::VertexArray pieces{sf::Quads};
+    int opaque = 0;  // no texel lets anything through: copied, not blended
     float parallaxX = 0, parallaxY = 0;
     int loopX = 0, loopY = 0, followY = 0;
 };
@@ -118,6 +123,9 @@ struct Room {
     std::vector<TileAnimation> tileAnimations;
     std::vector<DoorList> doorLists;
     std::vector<Elevator> elevators;
+    // Per tile cell, row by row: an opaque "Background" tile hides the backdrops there.
+    std::vector<std::uint8_t> backdropCover;
+    int coverColumns = 0;
     ShapePtr cameraContainer;
     ShapePtr merchantZone;
     sf::Vector2f merchantPosition;

@@ -1,6 +1,10 @@
 #include "world/room_draw.h"
 
+#include <algorithm>
 #include <cmath>
+#include <map>
+#include <set>
+#include <vector>
 
 #include "world/elevators.h"
 #include "world/pixel_canvas.h"
@@ -10,6 +14,7 @@ namespace {
 
 sf::Vector2f lastViewCenter;
 int debugOverlay = 0;
+sf::VertexArray shownPieces(sf::Quads);  // the pieces of one backdrop drawn this frame
 
 // The part of the world the target shows, for skipping tiles that cannot be seen.
 sf::FloatRect VisibleArea(const sf::RenderTarget& target) {
@@ -34,6 +39,72 @@ void DrawLayersNamed(sf::RenderTarget& target, const char* name) {
     for (const RoomLayer& layer : CurrentRoom().layers) {
         if (layer.name == name) DrawTiles(target, layer, visible);
     }
+}
+
+// Backdrops are cut into squares of this many texels; a square is kept if any texel shows.
+constexpr int kPieceTexels = 16;
+
+// Counts the texels with some alpha in any rectangle of a picture, wrapped round its edges, in
+// constant time: a table of the counts above and left of every texel.
+struct ShowingTexels {
+    std::vector<int> sums;  // (width + 1) x (height + 1)
+    int width = 0, height = 0;
+
+    explicit ShowingTexels(const sf::Image& image)
+        : width(int(image.getSize().x)), height(int(image.getSize().y)) {
+        sums.assign(size_t(width + 1) * size_t(height + 1), 0);
+        const sf::Uint8* pixels = image.getPixelsPtr();
+        for (int y = 0; y < height; y++) {
+            for (int x = 0; x < width; x++) {
+                int shows = pixels[4 * (size_t(y) * size_t(width) + size_t(x)) + 3] > 0;
+                At(x + 1, y + 1) = shows + At(x, y + 1) + At(x + 1, y) - At(x, y);
+            }
+        }
+    }
+    int& At(int x, int y) { return sums[size_t(y) * size_t(width + 1) + size_t(x)]; }
+    int Inside(int left, int top, int right, int bottom) {
+        return At(right, bottom) - At(left, bottom) - At(right, top) + At(left, top);
+    }
+    // A rectangle no larger than the picture, anywhere: split where it wraps.
+    bool Any(int left, int top, int w, int h) {
+        if (width == 0 || height == 0) return false;
+        left = (left % width + width) % width;
+        top = (top % height + height) % height;
+        int count = 0;
+        for (int y0 = top, hLeft = h; hLeft > 0; y0 = 0) {
+            int rows = std::min(hLeft, height - y0);
+            for (int x0 = left, wLeft = w; wLeft > 0; x0 = 0) {
+                int columns = std::min(wLeft, width - x0);
+                count += Inside(x0, y0, x0 + columns, y0 + rows);
+                wLeft -= columns;
+            }
+            hLeft -= rows;
+        }
+        return count > 0;
+    }
+};
+
+bool AllOpaque(const sf::Image& image) {
+    const sf::Uint8* pixels = image.getPixelsPtr();
+    size_t count = size_t(image.getSize().x) * image.getSize().y;
+    for (size_t i = 0; i < count; i++) {
+        if (pixels[4 * i + 3] != 255) return false;
+    }
+    return true;
+}
+
+// One square of the sprite's local frame, textured as the sprite itself would texture it.
+void AppendPiece(sf::VertexArray& pieces, sf::FloatRect local, sf::IntRect rect,
+                 sf::Vector2f size) {
+    auto texel = [&](float x, float y) {
+        return sf::Vector2f(float(rect.left) + x * float(rect.width) / size.x,
+                            float(rect.top) + y * float(rect.height) / size.y);
+    };
+    float right = local.left + local.width, bottom = local.top + local.height;
+    pieces.append({{local.left, local.top}, texel(local.left, local.top)});
+    pieces.append({{right, local.top}, texel(right, local.top)});
+    pieces.append({{right, bottom}, texel(right, bottom)});
+    pieces.append({{local.left, bottom}, texel(local.left, bottom)});
 }
 
 void MoveBackground(Background& background, sf::Vector2f center, sf::Vector2f size,
@@ -88,14 +159,115 @@ int& DebugOverlay() {
     return debugOverlay;
 }
 
+void BuildBackgroundPieces(Background& background) {
+    background.pieces.clear();
+    background.opaque = 0;
+    if (!background.texture || !background.sprite) return;
+    sf::Image image = background.texture->copyToImage();
+    sf::IntRect rect = background.sprite->getTextureRect();
+    sf::Vector2f size(float(std::abs(rect.width)), float(std::abs(rect.height)));
+    background.opaque = AllOpaque(image);
+    ShowingTexels showing(image);
+    for (int y = 0; y < int(size.y); y += kPieceTexels) {
+        for (int x = 0; x < int(size.x); x += kPieceTexels) {
+            sf::FloatRect local(float(x), float(y),
+                                std::min(float(kPieceTexels), size.x - float(x)),
+                                std::min(float(kPieceTexels), size.y - float(y)));
+            // The texels under the square, whichever way the rectangle runs.
+            int left = rect.width < 0 ? rect.left - x - int(local.width) : rect.left + x;
+            int top = rect.height < 0 ? rect.top - y - int(local.height) : rect.top + y;
+            if (background.opaque || showing.Any(left, top, int(local.width), int(local.height))) {
+                AppendPiece(background.pieces, local, rect, size);
+            }
+        }
+    }
+}
+
+void BuildBackdropCover() {
+    Room& room = CurrentRoom();
+    room.backdropCover.clear();
+    room.coverColumns = 0;
+    if (!room.tilesetTexture) return;
+    float cell = float(room.tileSize) * room.scale;
+    sf::Image tileset = room.tilesetTexture->copyToImage();
+    std::map<std::pair<int, int>, bool> opaqueTiles;
+    auto opaque = [&](sf::IntRect rect) {
+        auto [known, added] = opaqueTiles.try_emplace({rect.left, rect.top}, true);
+        for (int y = rect.top; added && y < rect.top + rect.height; y++) {
+            for (int x = rect.left; known->second && x < rect.left + rect.width; x++) {
+                if (unsigned(x) >= tileset.getSize().x || unsigned(y) >= tileset.getSize().y ||
+                    tileset.getPixel(unsigned(x), unsigned(y)).a != 255) {
+                    known->second = false;
+                }
+            }
+        }
+        return known->second;
+    };
+    std::set<std::pair<int, int>> animated;
+    for (const TileAnimation& animation : room.tileAnimations) {
+        animated.insert({animation.layer, animation.tile});
+    }
+    std::vector<sf::Vector2i> covered;
+    int columns = 0, rows = 0;
+    for (int l = 0; l < int(room.layers.size()); l++) {
+        if (room.layers[size_t(l)].name != "Background") continue;
+        const std::vector<sf::Sprite>& tiles = room.layers[size_t(l)].tiles;
+        for (int t = 0; t < int(tiles.size()); t++) {
+            // An animated tile may turn to a frame that lets the backdrop through.
+            if (animated.count({l, t}) || !opaque(tiles[size_t(t)].getTextureRect())) continue;
+            sf::Vector2f position = tiles[size_t(t)].getPosition();
+            sf::Vector2i at(int(std::lround(position.x / cell)),
+                            int(std::lround(position.y / cell)));
+            if (at.x < 0 || at.y < 0) continue;
+            covered.push_back(at);
+            columns = std::max(columns, at.x + 1);
+            rows = std::max(rows, at.y + 1);
+        }
+    }
+    room.coverColumns = columns;
+    room.backdropCover.assign(size_t(columns) * size_t(rows), 0);
+    for (sf::Vector2i at : covered) room.backdropCover[size_t(at.y * columns + at.x)] = 1;
+}
+
+bool BackdropsHiddenIn(sf::FloatRect area) {
+    const Room& room = CurrentRoom();
+    if (room.coverColumns == 0) return false;
+    float cell = float(room.tileSize) * room.scale;
+    int rows = int(room.backdropCover.size()) / room.coverColumns;
+    int left = int(std::floor(area.left / cell)), top = int(std::floor(area.top / cell));
+    int right = int(std::ceil((area.left + area.width) / cell));
+    int bottom = int(std::ceil((area.top + area.height) / cell));
+    if (left < 0 || top < 0 || right > room.coverColumns || bottom > rows) return false;
+    for (int y = top; y < bottom; y++) {
+        for (int x = left; x < right; x++) {
+            if (!room.backdropCover[size_t(y * room.coverColumns + x)]) return false;
+        }
+    }
+    return true;
+}
+
 void DrawRoomBackgrounds(sf::RenderTarget& target) {
     const Room& room = CurrentRoom();
+    sf::FloatRect visible = VisibleArea(target);
     for (auto it = room.backgrounds.rbegin(); it != room.backgrounds.rend(); ++it) {
         if (!it->sprite) continue;
-        // Backgrounds are never tinted: the plain copy fills faster.
+        // Only the pieces in view and not behind opaque tiles: every texel filled costs.
+        const sf::Transform& transform = it->sprite->getTransform();
+        shownPieces.clear();
+        for (size_t i = 0; i + 3 < it->pieces.getVertexCount(); i += 4) {
+            sf::FloatRect world = transform.transformRect(
+                {it->pieces[i].position, it->pieces[i + 2].position - it->pieces[i].position});
+            if (!visible.intersects(world) || BackdropsHiddenIn(world)) continue;
+            for (size_t v = i; v < i + 4; v++) shownPieces.append(it->pieces[v]);
+        }
+        // Backgrounds are never tinted: the plain copy fills faster, and an opaque one need not
+        // be blended at all.
         sf::RenderStates states;
         states.shader = PlainTextureShader();
-        target.draw(*it->sprite, states);
+        states.texture = it->texture.get();
+        states.transform = transform;
+        if (it->opaque) states.blendMode = sf::BlendNone;
+        target.draw(shownPieces, states);
     }
     DrawLayersNamed(target, "Background");
 }

@@ -4,7 +4,17 @@
 
 #include <SFML/Graphics.hpp>
 
-// Backdrops (the map's first background in front), then "Background" tile layers.
+struct Background;
+
+// Cuts a backdrop whose sprite is set up (texture rect included, repeats too) into the pieces
+// that hold any visible texel, and notes whether it is opaque all over.
+void BuildBackgroundPieces(Background& background);
+// Notes the tile cells of the current room where opaque "Background" tiles hide the backdrops.
+void BuildBackdropCover();
+// Whether opaque "Background" tiles hide the backdrops everywhere in the area.
+bool BackdropsHiddenIn(sf::FloatRect area);
+// Backdrops (the map's first background in front, none where tiles hide them all), then
+// "Background" tile layers.
 void DrawRoomBackgrounds(sf::RenderTarget& target);
 // Every tile layer other than "Background" and "Foreground", in map order.
 void DrawRoomMiddleLayers(sf::RenderTarget& target);
