@@ -54,11 +54,12 @@ def armoury(binary):
             time.sleep(0.6)
         sword = worn_only_by("Enemies/Flying Knight/Sword")
         hero = worn_only_by("Sprites/Player/Hero1")
+        armour = worn_only_by("Flying Knight/GladiatorSpriteSheet")
 
         def fighting(image):
             blade, him = find(image, sword, step=1, minimum=400), find(image, hero)
             return (bar_pixels(image) > 900 * 24 // 2 and blade is not None and him is not None
-                    and abs(blade.x - him.x) < 500)
+                    and find(image, armour) is not None and abs(blade.x - him.x) < 500)
         deadline = time.time() + DEADLINE
         shot = game.screen()
         while not fighting(shot):  # on east, a step at a time, until the armour is at him
