@@ -270,12 +270,16 @@ TEST(LevelRules, ABossIsFoughtBehindGatesThatOnlyItsDeathOpens) {
     }
 }
 
-TEST(LevelRules, ABossThatCannotDieNeedsNoGates) {
+// She dissolves at life 0 and her death counts as a kill: her garden needs its gates too.
+TEST(LevelRules, TheGoddessIsFoughtBehindGatesLikeAnyBoss) {
     Room garden = MakeBossRoom();
-    garden.doorLists.clear();
-    garden.triggers.clear();
     garden.enemySpawns[0] = {{15.5f * T, kFloorY - 110}, ENEMY_GODDESS, 0};
     EXPECT_TRUE(CheckLevelRules(garden).empty()) << Lines(CheckLevelRules(garden));
+    garden.doorLists.clear();
+    garden.triggers.clear();
+    std::string faults = Lines(CheckLevelRules(garden));
+    EXPECT_NE(faults.find("room 10 is a boss room without locked doors"), std::string::npos)
+        << faults;
 }
 
 // Each kind's spawn as it moves: flying enemies hover over a floor, the King (who has no

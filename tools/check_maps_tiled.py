@@ -36,7 +36,7 @@ DIRECTIONS = ("Left", "Right", "Up", "Down")
 OPPOSITE = {"Left": "Right", "Right": "Left", "Up": "Down", "Down": "Up"}
 GID_FLAGS = 0xE0000000
 BODY_HALF_W, BODY_H = 40 / 3, 180 / 3  # the hero's body in map px (80 x 180 world)
-UNDYING = {5, 7}  # Plant and Goddess never die: they never count towards "enemyToKill"
+UNDYING = {5}  # the Plant never dies: it never counts towards "enemyToKill"
 FLYING = {6, 7}  # the Flying Knight and the Goddess float at their spawn's height
 HOVER_ROWS = 6  # over a floor at most six tiles down
 LOCKDOOR_MIN_H = 3 * 32  # a locked door is at least three tiles tall
@@ -396,7 +396,7 @@ class MapCheck:
             kill = _value(g, "enemyToKill")
             if not 0 <= kill <= killable:
                 self.err(f'door group {gid} waits for {kill} kills; the room holds {killable} '
-                         "enemies that can die (Plant and Goddess never do)")
+                         "enemies that can die (the Plant never does)")
 
     def check_lock_doors(self, tileset, solid):
         """Locked doors: their size, the floor under them and the rock that hides them open."""

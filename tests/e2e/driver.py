@@ -40,7 +40,8 @@ TRANSITION = "TRANSITION !!!!!!!!!!!!!!!!!!!\n"
 
 
 class Game:
-    def __init__(self, binary, save=None):
+    def __init__(self, binary, save=None, prepare=None):
+        """prepare(workdir), when given, changes the scratch copy before the game starts."""
         self.binary = os.path.abspath(binary)
         self.workdir = tempfile.mkdtemp(prefix="ombrith-e2e-")
         shutil.copytree(os.path.join(REPO, "Assets"), os.path.join(self.workdir, "Assets"),
@@ -48,6 +49,8 @@ class Game:
         if save is not None:
             with open(os.path.join(self.workdir, "Assets/Saves/PlayerSave.txt"), "w") as f:
                 f.write(save)
+        if prepare is not None:
+            prepare(self.workdir)
         self.log_path = os.path.join(self.workdir, "stdout.log")
         self.log = open(self.log_path, "w")
         self.process = subprocess.Popen([self.binary], cwd=self.workdir, stdout=self.log,

@@ -466,8 +466,9 @@ bool ReachesBody(const Grid& grid, const std::vector<char>& reached, sf::Vector2
     return cell >= 0 && reached[cell];
 }
 
+// The plant only ever sinks back into its mound: no kill of it opens a door.
 bool Mortal(const EnemySpawn& enemy) {
-    return enemy.enemyType != ENEMY_PLANT && enemy.enemyType != ENEMY_GODDESS;
+    return enemy.enemyType != ENEMY_PLANT;
 }
 
 std::string EnemyName(const Room& room, size_t index) {
@@ -528,8 +529,6 @@ void CheckTriggerSides(const Room& room, const Grid& shut, Faults& faults) {
 
 // The boss is shut in on every side, and nobody comes at it without shutting the doors first.
 void CheckBossShutIn(const Room& room, const Grid& shut, Faults& faults) {
-    // A boss that never dies opens no door: nothing waits for it.
-    if (std::none_of(room.enemySpawns.begin(), room.enemySpawns.end(), Mortal)) return;
     if (room.doorLists.empty()) {
         faults.push_back(RoomName(room) +
                          " is a boss room without locked doors: nothing keeps "

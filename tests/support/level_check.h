@@ -43,7 +43,7 @@ std::vector<std::string> CheckArrivals(const Room& room);
 // Locked doors that close and open again: each group has its trigger and waits for no more kills
 // than the room's mortal enemies, and each trigger lies on their side of the shut doors. In a boss
 // room the shut doors close every way out around the boss, and every arrival steps into a trigger
-// before it can reach the boss (unless no boss there can die: then nothing waits for it).
+// before it can reach the boss.
 std::vector<std::string> CheckLockedDoors(const Room& room);
 // The four above.
 std::vector<std::string> CheckLevelRules(const Room& room);

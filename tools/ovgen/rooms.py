@@ -71,7 +71,7 @@ ENEMY_TYPES = {"frog": 0, "king": 1, "nomad": 2, "trash": 3, "slime": 4, "plant"
                "knight": 6, "goddess": 7}
 DIRECTIONS = ("Left", "Right", "Up", "Down")
 ABILITIES = {"dash": 0, "run": 1, "cloud": 2}
-UNDYING = {"plant", "goddess"}  # never die, so they never count towards a door group's kills
+UNDYING = {"plant"}  # never dies, so it never counts towards a door group's kills
 FLYING = {"knight", "goddess"}  # float at their spawn's height: may hover over their floor
 HOVER_CEILING = 6 * T           # a hovering spawn stays inside its container, six tiles tall
 # The Goddess drifts on a figure-eight 1600 x 400 world px about her spawn (map px here), drawn
