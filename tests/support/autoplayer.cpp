@@ -1,9 +1,9 @@
 #include "support/autoplayer.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <cmath>
 #include <memory>
 #include <optional>
 #include <set>
@@ -119,9 +119,11 @@ struct Foe {
     sf::FloatRect box;
 };
 
+// Plants cannot be cut down, only kept away from.
 std::vector<Foe> LivingFoes() {
     std::vector<Foe> foes;
     for (int kind = 0; kind < ENEMY_KIND_COUNT; kind++) {
+        if (kind == ENEMY_PLANT) continue;
         for (int i = 0; i < EnemyCount(kind); i++) {
             if (IsEnemyDead(i, kind)) continue;
             int* life = GetEnemyLife(i, kind);
@@ -136,12 +138,28 @@ sf::Vector2f Middle(const sf::FloatRect& r) {
     return {r.left + r.width / 2, r.top + r.height / 2};
 }
 
-// A blow about to land: an enemy striking with an attack box at the hero's body.
+// Whether the foe is winding up or swinging: its states that end in a blow.
+bool Attacking(const Foe& foe) {
+    int state = GetEnemyState(foe.index, foe.kind);
+    switch (foe.kind) {
+        case ENEMY_TRASH:
+        case ENEMY_SLIME:
+        case ENEMY_FLYING_KNIGHT: return state == 2;
+        case ENEMY_PLANT: return state == 1;
+        case ENEMY_FROG: return state == 1;
+        case ENEMY_NOMAD: return state == 2 || state == 3 || state == 5;
+        case ENEMY_KING: return state >= 2 && state <= 4;
+        case ENEMY_GODDESS: return state >= 1 && state <= 4;
+        default: return IsEnemyStriking(foe.index, foe.kind);
+    }
+}
+
+// A blow about to land: a foe attacking with an attack box at (or just short of) the body.
 bool BlowComing() {
     sf::FloatRect body = PlayerBodyBounds();
-    body.left -= 40, body.width += 80, body.top -= 20, body.height += 20;
+    body.left -= 50, body.width += 100, body.top -= 20, body.height += 20;
     for (const Foe& foe : LivingFoes()) {
-        if (!IsEnemyStriking(foe.index, foe.kind)) continue;
+        if (!Attacking(foe) && !IsEnemyStriking(foe.index, foe.kind)) continue;
         int attacks = std::max(1, EnemyAttackCount(foe.index, foe.kind));
         for (int a = 0; a < attacks; a++) {
             if (GetEnemyAttackBox(foe.index, foe.kind, a).intersects(body)) return true;
@@ -179,11 +197,13 @@ Bot bot;
 void Trace() {
     static const bool on = std::getenv("OV_AUTOPLAY_TRACE") != nullptr;
     static int frame = 0;
-    if (!on || frame++ % 15 != 0) return;
+    static const int every =
+        std::atoi(std::getenv("OV_AUTOPLAY_TRACE") ? std::getenv("OV_AUTOPLAY_TRACE") : "15");
+    if (!on || frame++ % std::max(every, 1) != 0) return;
     const Player& player = GetPlayer();
-    std::fprintf(stderr, "%7.2f room %d at %s state %d life %d foes %zu", playClock,
+    std::fprintf(stderr, "%7.2f room %d at %s state %d life %d vy %.1f up %d foes %zu", playClock,
                  CurrentRoomNumber(), Where().c_str(), player.body.state, player.life,
-                 LivingFoes().size());
+                 player.body.vy, player.body.blocked[CONTACT_UP], LivingFoes().size());
     for (const Foe& foe : LivingFoes()) {
         sf::Vector2f m = Middle(foe.box);
         if (std::abs(m.x - Feet().x) < 600) {
@@ -334,6 +354,15 @@ void FlyOn() {
             break;
         default: break;
     }
+    // Coming down over the floor aimed at, the hands steer onto its middle: the real hero is a
+    // little faster than the planned one, and narrow branches forgive little.
+    sf::Vector2f aim = bot.map->FeetAt(f.step.to);
+    bool steerable = how.kind == ReachMove::JUMP || how.kind == ReachMove::FALL;
+    if (steerable && f.step.door < 0 && f.cloudAt < 0 && player.body.vy > 0 && t > 0 &&
+        Feet().y < aim.y - 8) {
+        float off = aim.x - HeroX();
+        Steer(std::abs(off) > 14 ? (off > 0 ? 1 : -1) : 0);
+    }
     bool cloudPending = how.cloud && (f.cloudAt < 0 || t < f.cloudAt + 8);
     if ((t > 3 && PlayerStanding() && player.body.vy >= 0 && !cloudPending) || t > 400) {
         EndFlight();
@@ -350,8 +379,8 @@ bool Fight(bool seek) {
     float best = seek ? 1e9f : 300;
     for (const Foe& foe : LivingFoes()) {
         sf::Vector2f them = Middle(foe.box);
-        bool level = foe.box.top < body.top + body.height + 30 && foe.box.top + foe.box.height >
-                                                                      body.top - (seek ? 200 : 60);
+        float bottom = foe.box.top + foe.box.height;
+        bool level = bottom > body.top + body.height - 110 && foe.box.top < body.top + body.height;
         float dx = std::abs(them.x - me.x);
         if ((level || seek) && dx < best) {
             best = dx;
@@ -359,13 +388,22 @@ bool Fight(bool seek) {
         }
     }
     if (!nearest) return false;
+    const Player& player = GetPlayer();
     if (BlowComing()) {
         Steer(0);
-        TapKey(Key(BINDING_PARRY));
+        if (player.parryCooldownTimer >= player.tuning.parryCooldown) {
+            TapKey(Key(BINDING_PARRY));
+        }
         return true;
     }
     float dx = Middle(nearest->box).x - me.x;
     int dir = dx > 0 ? 1 : -1;
+    bool melee = nearest->kind == ENEMY_TRASH || nearest->kind == ENEMY_NOMAD ||
+                 nearest->kind == ENEMY_KING || nearest->kind == ENEMY_FLYING_KNIGHT;
+    if (melee && Attacking(*nearest) && std::abs(dx) < 400) {
+        Steer(0);  // wait for the swing to pass, ready to parry
+        return true;
+    }
     if (PlacePlayerAttackBox().intersects(nearest->box)) {
         Steer(0);
         if (bot.attackWait-- <= 0) {
@@ -375,6 +413,7 @@ bool Fight(bool seek) {
         return true;
     }
     if (PlayerFacingRight() != (dir > 0) && std::abs(dx) > 30) {
+        if (player.body.blocked[dir > 0 ? CONTACT_RIGHT : CONTACT_LEFT]) return false;
         Steer(dir);
         return true;
     }
@@ -387,6 +426,21 @@ bool Fight(bool seek) {
 
 // ---------------------------------------------------------------- walking a route
 
+// The places where a Plant's jaws reach the body.
+std::vector<Place> PlantPlaces() {
+    std::vector<Place> avoid;
+    for (int i = 0; i < EnemyCount(ENEMY_PLANT); i++) {
+        sf::Vector2f root = GetEnemyPosition(i, ENEMY_PLANT);
+        for (Place place : bot.map->Places()) {
+            sf::Vector2f feet = bot.map->FeetAt(place);
+            if (std::abs(feet.x - root.x) < 170 && feet.y > root.y - 40 && feet.y < root.y + 230) {
+                avoid.push_back(place);
+            }
+        }
+    }
+    return avoid;
+}
+
 // Takes the next move of the route to `goal` (or into `door`); false when none is known.
 bool Navigate(Place goal, int door, const std::string& goalName) {
     auto here = bot.map->PlaceAt(Feet());
@@ -397,7 +451,7 @@ bool Navigate(Place goal, int door, const std::string& goalName) {
     auto on = std::find_if(bot.route.begin(), bot.route.end(),
                            [&](const ReachStep& step) { return step.from == *here; });
     if (on == bot.route.end() || bot.routeGoal != goalName || bot.routeAbilities != Abilities()) {
-        bot.route = bot.map->Route(*here, Abilities(), goal, door);
+        bot.route = bot.map->Route(*here, Abilities(), goal, door, PlantPlaces());
         bot.routeGoal = goalName;
         bot.routeAbilities = Abilities();
         on = bot.route.begin();
@@ -429,6 +483,22 @@ bool Navigate(Place goal, int door, const std::string& goalName) {
         Steer(takeOff > x ? 1 : -1);
     }
     return true;
+}
+
+// The room a door of the current room leads to, or -1.
+int DoorTarget(int id) {
+    for (const TransitionDoor& door : CurrentRoom().transitionDoors) {
+        if (door.id == id) return door.targetedRoom;
+    }
+    return -1;
+}
+
+// The door of the current room to a room, or -1.
+int DoorTo(int room) {
+    for (const TransitionDoor& door : CurrentRoom().transitionDoors) {
+        if (door.targetedRoom == room) return door.id;
+    }
+    return -1;
 }
 
 std::string GoalName(const AutoplayGoal& goal) {
@@ -469,6 +539,9 @@ std::string Stuck(const AutoplayGoal& goal, float since, const std::string& why)
 // Plays one goal to its end; empty when done.
 std::string PlayGoal(const AutoplayGoal& goal, float deadline, float roomStart) {
     int room = CurrentRoomNumber();
+    // A door goal holds through a detour: a fall into a room below is walked back out of, by a
+    // door to the room wanted or else by the door back.
+    int wanted = goal.kind == AutoplayGoal::DOOR ? DoorTarget(goal.id) : -1;
     bool interacted = false;
     float lastProgress = playClock;
     size_t lastRouteLeft = 1 << 30;
@@ -481,7 +554,7 @@ std::string PlayGoal(const AutoplayGoal& goal, float deadline, float roomStart) 
         if (playClock > deadline) return Stuck(goal, roomStart, "out of time");
         LoadRoomMap();
         // Done?
-        if (goal.kind == AutoplayGoal::DOOR && CurrentRoomNumber() != room &&
+        if (goal.kind == AutoplayGoal::DOOR && CurrentRoomNumber() == wanted &&
             !Transition().transitionActive) {
             ReleaseAll();
             return "";
@@ -510,6 +583,9 @@ std::string PlayGoal(const AutoplayGoal& goal, float deadline, float roomStart) 
         }
         if (!OnGround()) {
             Steer(0);
+            int state = GetPlayer().body.state;
+            bool swinging = state >= PLAYER_LIGHT_ATTACK_1 && state <= PLAYER_LIGHT_ATTACK_3;
+            if (swinging && BlowComing()) TapKey(Key(BINDING_PARRY));
             Frame();
             continue;
         }
@@ -518,8 +594,10 @@ std::string PlayGoal(const AutoplayGoal& goal, float deadline, float roomStart) 
             bool known = true;
             auto place = GoalPlace(goal);
             auto here = bot.map->PlaceAt(Feet());
-            if (goal.kind == AutoplayGoal::DOOR) {
-                known = Navigate(Place(), goal.id, GoalName(goal));
+            if (goal.kind == AutoplayGoal::DOOR || CurrentRoomNumber() != room) {
+                int door = CurrentRoomNumber() == room ? goal.id : DoorTo(wanted);
+                if (door < 0) door = DoorTo(room);
+                known = Navigate(Place(), door, GoalName(goal) + std::to_string(door));
             } else if (place && here && *here == *place) {
                 Steer(0);
                 if (bot.interactWait-- <= 0) {

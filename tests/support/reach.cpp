@@ -553,7 +553,8 @@ int MoveCost(const ReachMove& how) {
 
 }  // namespace
 
-std::vector<ReachStep> ReachMap::Route(Place start, int abilities, Place goal, int door) const {
+std::vector<ReachStep> ReachMap::Route(Place start, int abilities, Place goal, int door,
+                                       const std::vector<Place>& avoid) const {
     int first = PlaceIndex(start.column, start.row);
     int last = door >= 0 ? -1 : PlaceIndex(goal.column, goal.row);
     if (first < 0 || (door < 0 && last < 0)) return {};
@@ -575,7 +576,9 @@ std::vector<ReachStep> ReachMap::Route(Place start, int abilities, Place goal, i
                 if (door >= 0 && doorIds_[size_t(-1 - move.target)] == door && next < doorCost) {
                     doorCost = next, doorFrom = index, doorMove = move.how;
                 }
-            } else if (next < cost[size_t(move.target)]) {
+            } else if (next < cost[size_t(move.target)] &&
+                       std::find(avoid.begin(), avoid.end(), places_[size_t(move.target)]) ==
+                           avoid.end()) {
                 todo.erase({cost[size_t(move.target)], move.target});
                 cost[size_t(move.target)] = next;
                 from[size_t(move.target)] = {index, move};

@@ -86,8 +86,10 @@ public:
     std::optional<Place> PlaceUnder(sf::Vector2f point) const;
     ReachResult From(Place start, int abilities) const;
     // The cheapest way (walks cost least, then drops, jumps, dashes, runs and clouds) from a place
-    // to another, or into a door (`door` >= 0); empty when there is none.
-    std::vector<ReachStep> Route(Place start, int abilities, Place goal, int door = -1) const;
+    // to another, or into a door (`door` >= 0), never landing on a place to `avoid`; empty when
+    // there is none.
+    std::vector<ReachStep> Route(Place start, int abilities, Place goal, int door = -1,
+                                 const std::vector<Place>& avoid = {}) const;
     // The place the feet stand on, the floor under the middle first, else one under the feet.
     std::optional<Place> PlaceAt(sf::Vector2f feet) const;
     // World coordinates of the feet standing in the middle of a place.
