@@ -419,7 +419,7 @@ bool Fight(bool seek) {
     }
     // Step closer while the floor goes on that way.
     auto ahead = bot.map->PlaceAt(Feet() + sf::Vector2f(float(dir) * 60, 0));
-    if (!ahead && !seek) return false;
+    if (!ahead) return false;
     Steer(ahead ? dir : 0);
     return true;
 }
@@ -499,6 +499,18 @@ int DoorTo(int room) {
         if (door.targetedRoom == room) return door.id;
     }
     return -1;
+}
+
+// The floor under the first foe left (a boss), to walk to when it cannot be reached on the level.
+std::optional<Place> FloorUnderFoe() {
+    std::vector<Foe> foes = LivingFoes();
+    if (foes.empty()) return std::nullopt;
+    const sf::FloatRect& box = foes[0].box;
+    for (int tiles = 0; tiles < 10; tiles++) {
+        sf::Vector2f point(box.left + box.width / 2, box.top + box.height + float(tiles) * 96);
+        if (auto place = bot.map->PlaceAt(point)) return place;
+    }
+    return std::nullopt;
 }
 
 std::string GoalName(const AutoplayGoal& goal) {
@@ -607,6 +619,8 @@ std::string PlayGoal(const AutoplayGoal& goal, float deadline, float roomStart) 
                 }
             } else if (place) {
                 known = Navigate(*place, -1, GoalName(goal));
+            } else if (auto floor = FloorUnderFoe()) {
+                known = Navigate(*floor, -1, GoalName(goal));
             }
             if (!known) return Stuck(goal, roomStart, "no way from here");
         }
