@@ -209,7 +209,9 @@ ReachMap::ReachMap(const Room& room, Margin margin, const PlayerTuning& tuning)
                 for (size_t k = 0; k < from.size() && k < to.size() && &from != &to; k++) {
                     int a = PlaceIndex(from[k].column, from[k].row);
                     int b = PlaceIndex(to[k].column, to[k].row);
-                    if (a >= 0 && b >= 0) movesFrom_[size_t(a)].push_back({b, 0});
+                    ReachMove ride;
+                    ride.kind = ReachMove::RIDE;
+                    if (a >= 0 && b >= 0) movesFrom_[size_t(a)].push_back({b, 0, ride});
                 }
             }
         }
@@ -469,20 +471,31 @@ void ReachMap::AddMoves(int index) {
     Place place = places_[size_t(index)];
     sf::Vector2f feet = Feet(place) + origin_;
     std::vector<Move>& moves = movesFrom_[size_t(index)];
+    // The first input found for each target and needs is kept.
     auto add = [&](Move move) {
-        if (std::find(moves.begin(), moves.end(), move) == moves.end()) moves.push_back(move);
+        auto same = [&](const Move& m) { return m.target == move.target && m.needs == move.needs; };
+        if (std::none_of(moves.begin(), moves.end(), same)) moves.push_back(move);
     };
     for (int dir : {-1, 1}) {
+        ReachMove walk;
+        walk.dir = dir;
         int beside = PlaceIndex(place.column + dir, place.row);
-        if (beside >= 0) add({beside, 0});
+        if (beside >= 0) add({beside, 0, walk});
         float x = TakeOff(place, dir);
-        if (int door = DoorAt(x, feet.y); door >= 0) add({-1 - door, 0});
+        if (int door = DoorAt(x, feet.y); door >= 0) add({-1 - door, 0, walk});
         for (const Launch& launch : Launches(index, dir)) {
             sf::Vector2f from = launch.drop ? feet : sf::Vector2f(x, feet.y);
-            if (auto end = Fly(from, launch); end && *end != index) add({*end, launch.needs});
+            if (auto end = Fly(from, launch); end && *end != index) {
+                ReachMove how;
+                how.kind = ReachMove::Kind(ReachMove::FALL + launch.kind);
+                how.dir = dir, how.grace = launch.grace, how.holdFrom = launch.holdFrom;
+                how.holdTo = launch.holdTo, how.runAfterDash = launch.runAfterDash;
+                how.cloud = launch.cloud, how.drop = launch.drop;
+                add({*end, launch.needs, how});
+            }
         }
     }
-    if (int door = DoorAt(feet.x, feet.y); door >= 0) add({-1 - door, 0});
+    if (int door = DoorAt(feet.x, feet.y); door >= 0) add({-1 - door, 0, ReachMove()});
 }
 
 std::optional<Place> ReachMap::PlaceUnder(sf::Vector2f point) const {
@@ -521,6 +534,88 @@ ReachResult ReachMap::From(Place start, int abilities) const {
         }
     }
     return result;
+}
+
+namespace {
+
+// What a move costs a route: walking a tile least, a flight more the more it asks of the hands.
+int MoveCost(const ReachMove& how) {
+    switch (how.kind) {
+        case ReachMove::WALK: return 1;
+        case ReachMove::FALL: return how.drop ? 4 : 3;
+        case ReachMove::JUMP: return how.cloud ? 12 : (how.holdTo < (1 << 20) ? 6 : 5);
+        case ReachMove::DASH: return 8;
+        case ReachMove::RUN_JUMP: return 14;
+        case ReachMove::RIDE: return 20;
+    }
+    return 1;
+}
+
+}  // namespace
+
+std::vector<ReachStep> ReachMap::Route(Place start, int abilities, Place goal, int door,
+                                       const std::vector<Place>& avoid) const {
+    int first = PlaceIndex(start.column, start.row);
+    int last = door >= 0 ? -1 : PlaceIndex(goal.column, goal.row);
+    if (first < 0 || (door < 0 && last < 0)) return {};
+    std::vector<int> cost(places_.size(), std::numeric_limits<int>::max());
+    std::vector<std::pair<int, Move>> from(places_.size(), {-1, Move{}});
+    std::set<std::pair<int, int>> todo = {{0, first}};
+    cost[size_t(first)] = 0;
+    int doorFrom = -1;
+    ReachMove doorMove;
+    int doorCost = std::numeric_limits<int>::max();
+    while (!todo.empty()) {
+        auto [c, index] = *todo.begin();
+        todo.erase(todo.begin());
+        if (c > cost[size_t(index)] || c >= doorCost || index == last) break;
+        for (const Move& move : movesFrom_[size_t(index)]) {
+            if ((move.needs & ~abilities) != 0) continue;
+            int next = c + MoveCost(move.how);
+            if (move.target < 0) {
+                if (door >= 0 && doorIds_[size_t(-1 - move.target)] == door && next < doorCost) {
+                    doorCost = next, doorFrom = index, doorMove = move.how;
+                }
+            } else if (next < cost[size_t(move.target)] &&
+                       std::find(avoid.begin(), avoid.end(), places_[size_t(move.target)]) ==
+                           avoid.end()) {
+                todo.erase({cost[size_t(move.target)], move.target});
+                cost[size_t(move.target)] = next;
+                from[size_t(move.target)] = {index, move};
+                todo.insert({next, move.target});
+            }
+        }
+    }
+    std::vector<ReachStep> route;
+    int at = last;
+    if (door >= 0) {
+        if (doorFrom < 0) return {};
+        route.push_back({places_[size_t(doorFrom)], places_[size_t(doorFrom)], doorMove, door});
+        at = doorFrom;
+    } else if (cost[size_t(last)] == std::numeric_limits<int>::max()) {
+        return {};
+    }
+    for (; at != first; at = from[size_t(at)].first) {
+        auto [previous, move] = from[size_t(at)];
+        route.push_back({places_[size_t(previous)], places_[size_t(at)], move.how, -1});
+    }
+    std::reverse(route.begin(), route.end());
+    return route;
+}
+
+std::optional<Place> ReachMap::PlaceAt(sf::Vector2f feet) const {
+    int row = int(std::lround((feet.y - origin_.y) / kTile));
+    int middle = int(std::floor((feet.x - origin_.x) / kTile));
+    float within = feet.x - origin_.x - float(middle) * kTile;
+    for (int column : {middle, within < kTile / 2 ? middle - 1 : middle + 1}) {
+        int index = PlaceIndex(column, row);
+        if (index >= 0) return places_[size_t(index)];
+    }
+    return std::nullopt;
+}
+
+sf::Vector2f ReachMap::FeetAt(Place place) const {
+    return Feet(place) + origin_;
 }
 
 // ---------------------------------------------------------------- checks

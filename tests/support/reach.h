@@ -51,6 +51,22 @@ struct Place {
     bool operator==(const Place&) const = default;
 };
 
+// The input that takes the hero from one place to the next: a walk to the tile beside, a ride, or
+// a flight that starts at the take-off point toward `dir` (walking off for `grace` updates, then
+// the move; the direction held in the air in [holdFrom, holdTo) updates after the take-off).
+struct ReachMove {
+    enum Kind { WALK, FALL, JUMP, DASH, RUN_JUMP, RIDE } kind = WALK;
+    int dir = 1, grace = 0, holdFrom = 0, holdTo = 1 << 20;
+    bool runAfterDash = false, cloud = false, drop = false;
+};
+
+// One move of a route; `door` is the transition door id it enters, or -1.
+struct ReachStep {
+    Place from, to;
+    ReachMove how;
+    int door = -1;
+};
+
 // What the hero reaches from one place with one set of abilities.
 struct ReachResult {
     std::vector<Place> places;
@@ -69,6 +85,17 @@ public:
     // The place under a spawn or an object on a floor (a door spawn may be a tile above it).
     std::optional<Place> PlaceUnder(sf::Vector2f point) const;
     ReachResult From(Place start, int abilities) const;
+    // The cheapest way (walks cost least, then drops, jumps, dashes, runs and clouds) from a place
+    // to another, or into a door (`door` >= 0), never landing on a place to `avoid`; empty when
+    // there is none.
+    std::vector<ReachStep> Route(Place start, int abilities, Place goal, int door = -1,
+                                 const std::vector<Place>& avoid = {}) const;
+    // The place the feet stand on, the floor under the middle first, else one under the feet.
+    std::optional<Place> PlaceAt(sf::Vector2f feet) const;
+    // World coordinates of the feet standing in the middle of a place.
+    sf::Vector2f FeetAt(Place place) const;
+    // Where a flight toward `dir` from a place leaves the ground (x of the middle).
+    float TakeOffX(Place place, int dir) const { return TakeOff(place, dir); }
     const std::vector<Place>& Places() const { return places_; }
     const Room& room() const { return room_; }
     const HeroMoves& moves() const { return moves_; }
@@ -86,7 +113,7 @@ private:
     struct Move {
         int target;  // a place index, or -1 - door index
         int needs;
-        bool operator==(const Move&) const = default;
+        ReachMove how;
     };
 
     Cell At(int column, int row) const;
