@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "common/afterimage.h"
 #include "common/draw_list.h"
 #include "common/drawables.h"
 #include "common/ease.h"
@@ -265,4 +266,36 @@ TEST(DrawListTest, DrawsKnownKindsInOrderAndSkipsTheRest) {
     EXPECT_EQ(pixels.getPixel(3, 3), sf::Color::Red);
     ClearDrawList(list);
     EXPECT_EQ(list.count, 0);
+}
+
+// A trail drawn one ghost in k, each made as dense as k ghosts, must look like the whole trail
+// where the ghosts pile up, and always keep the newest ghost.
+TEST(Afterimages, ThinnedTrailIsAsDenseAsTheWholeOne) {
+    sf::Texture white;
+    ASSERT_TRUE(white.create(4, 4));
+    std::vector<sf::Uint8> pixels(4 * 4 * 4, 255);
+    white.update(pixels.data());
+    AfterimageTrail trail;
+    for (int i = 0; i < 10; i++) {
+        sf::Sprite ghost(white);
+        ghost.setPosition(float(i), 0);  // the newest ghost alone reaches column 12
+        ghost.setColor(sf::Color(119, 86, 162, 100));
+        trail.ghosts.push_back({ghost, 0});
+    }
+    auto drawn = [&](int every) {
+        sf::RenderTexture canvas;
+        EXPECT_TRUE(canvas.create(16, 4));
+        canvas.clear(sf::Color::Black);
+        DrawAfterimages(canvas, trail, every);
+        canvas.display();
+        return canvas.getTexture().copyToImage();
+    };
+    sf::Image whole = drawn(1), thinned = drawn(4);
+    // Column 9 lies under every ghost but the first six.
+    sf::Color a = whole.getPixel(9, 1), b = thinned.getPixel(9, 1);
+    EXPECT_NEAR(a.r, b.r, 12);
+    EXPECT_NEAR(a.g, b.g, 12);
+    EXPECT_NEAR(a.b, b.b, 12);
+    EXPECT_NE(thinned.getPixel(12, 1), sf::Color::Black);
+    EXPECT_EQ(thinned.getPixel(13, 1), sf::Color::Black);
 }

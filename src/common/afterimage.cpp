@@ -1,6 +1,7 @@
 #include "common/afterimage.h"
 
 #include <algorithm>
+#include <cmath>
 
 void UpdateAfterimages(AfterimageTrail& trail, const sf::Sprite& source, bool enabled,
                        const AfterimageLook& look, float dt) {
@@ -16,6 +17,15 @@ void UpdateAfterimages(AfterimageTrail& trail, const sf::Sprite& source, bool en
                   [&look](const Afterimage& ghost) { return ghost.age > look.lifetime; });
 }
 
-void DrawAfterimages(sf::RenderTarget& target, const AfterimageTrail& trail) {
-    for (const Afterimage& ghost : trail.ghosts) target.draw(ghost.sprite);
+void DrawAfterimages(sf::RenderTarget& target, const AfterimageTrail& trail, int every) {
+    every = std::max(every, 1);
+    int count = int(trail.ghosts.size());
+    for (int i = (count - 1) % every; i < count; i += every) {
+        sf::Sprite ghost = trail.ghosts[size_t(i)].sprite;
+        sf::Color color = ghost.getColor();
+        float through = std::pow(1.0f - float(color.a) / 255.0f, float(every));
+        color.a = sf::Uint8(std::lround(255.0f * (1.0f - through)));
+        ghost.setColor(color);
+        target.draw(ghost);
+    }
 }

@@ -27,4 +27,6 @@ struct AfterimageLook {
 // than the lifetime go.
 void UpdateAfterimages(AfterimageTrail& trail, const sf::Sprite& source, bool enabled,
                        const AfterimageLook& look, float dt);
-void DrawAfterimages(sf::RenderTarget& target, const AfterimageTrail& trail);
+// Draws every `every`-th ghost from the newest, each as opaque as that many stacked ghosts: a
+// dense trail for a fraction of the texels filled.
+void DrawAfterimages(sf::RenderTarget& target, const AfterimageTrail& trail, int every = 1);
