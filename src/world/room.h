@@ -123,7 +123,7 @@ struct Room {
     std::vector<TileAnimation> tileAnimations;
     std::vector<DoorList> doorLists;
     std::vector<Elevator> elevators;
-    // Per tile cell, row by row: an opaque "Background" tile hides the backdrops there.
+    // Per tile cell, row by row: an opaque tile hides the backdrops there.
     std::vector<std::uint8_t> backdropCover;
     int coverColumns = 0;
     ShapePtr cameraContainer;

@@ -43,6 +43,7 @@ void DrawLayersNamed(sf::RenderTarget& target, const char* name) {
 
 // Backdrops are cut into squares of this many texels; a square is kept if any texel shows.
 constexpr int kPieceTexels = 16;
+constexpr int kPieceRun = 8;
 
 // Counts the texels with some alpha in any rectangle of a picture, wrapped round its edges, in
 // constant time: a table of the counts above and left of every texel.
@@ -168,18 +169,32 @@ void BuildBackgroundPieces(Background& background) {
     sf::Vector2f size(float(std::abs(rect.width)), float(std::abs(rect.height)));
     background.opaque = AllOpaque(image);
     ShowingTexels showing(image);
+    // Neighbouring squares of a row join into one piece, up to kPieceRun of them: a software
+    // renderer pays for every triangle it sets up as well as for every texel.
     for (int y = 0; y < int(size.y); y += kPieceTexels) {
+        float height = std::min(float(kPieceTexels), size.y - float(y));
+        int runStart = -1, runLength = 0;
+        auto endRun = [&](int end) {
+            if (runStart < 0) return;
+            AppendPiece(background.pieces,
+                        {float(runStart), float(y), float(end - runStart), height}, rect, size);
+            runStart = -1;
+            runLength = 0;
+        };
         for (int x = 0; x < int(size.x); x += kPieceTexels) {
-            sf::FloatRect local(float(x), float(y),
-                                std::min(float(kPieceTexels), size.x - float(x)),
-                                std::min(float(kPieceTexels), size.y - float(y)));
+            int width = std::min(kPieceTexels, int(size.x) - x);
             // The texels under the square, whichever way the rectangle runs.
-            int left = rect.width < 0 ? rect.left - x - int(local.width) : rect.left + x;
-            int top = rect.height < 0 ? rect.top - y - int(local.height) : rect.top + y;
-            if (background.opaque || showing.Any(left, top, int(local.width), int(local.height))) {
-                AppendPiece(background.pieces, local, rect, size);
+            int left = rect.width < 0 ? rect.left - x - width : rect.left + x;
+            int top = rect.height < 0 ? rect.top - y - int(height) : rect.top + y;
+            if (!background.opaque && !showing.Any(left, top, width, int(height))) {
+                endRun(x);
+                continue;
             }
+            if (runLength == kPieceRun) endRun(x);
+            if (runStart < 0) runStart = x;
+            runLength++;
         }
+        endRun(int(size.x));
     }
 }
 
@@ -210,10 +225,11 @@ void BuildBackdropCover() {
     std::vector<sf::Vector2i> covered;
     int columns = 0, rows = 0;
     for (int l = 0; l < int(room.layers.size()); l++) {
-        if (room.layers[size_t(l)].name != "Background") continue;
+        if (room.layers[size_t(l)].name == "Elevator group") continue;
         const std::vector<sf::Sprite>& tiles = room.layers[size_t(l)].tiles;
         for (int t = 0; t < int(tiles.size()); t++) {
-            // An animated tile may turn to a frame that lets the backdrop through.
+            // Tiles of every layer are drawn after the backdrops. An animated tile may turn to a
+            // frame that lets the backdrop through.
             if (animated.count({l, t}) || !opaque(tiles[size_t(t)].getTextureRect())) continue;
             sf::Vector2f position = tiles[size_t(t)].getPosition();
             sf::Vector2i at(int(std::lround(position.x / cell)),

@@ -9,11 +9,11 @@ struct Background;
 // Cuts a backdrop whose sprite is set up (texture rect included, repeats too) into the pieces
 // that hold any visible texel, and notes whether it is opaque all over.
 void BuildBackgroundPieces(Background& background);
-// Notes the tile cells of the current room where opaque "Background" tiles hide the backdrops.
+// Notes the tile cells of the current room where opaque tiles (of any layer) hide the backdrops.
 void BuildBackdropCover();
-// Whether opaque "Background" tiles hide the backdrops everywhere in the area.
+// Whether opaque tiles hide the backdrops everywhere in the area.
 bool BackdropsHiddenIn(sf::FloatRect area);
-// Backdrops (the map's first background in front, none where tiles hide them all), then
+// Backdrops (the map's first background in front, none where opaque tiles hide them), then
 // "Background" tile layers.
 void DrawRoomBackgrounds(sf::RenderTarget& target);
 // Every tile layer other than "Background" and "Foreground", in map order.
