@@ -221,7 +221,9 @@ TEST_F(BackgroundTest, AnimatedTileAdvancesOneFrameAndDropsTheRest) {
     Room& room = CurrentRoom();
     auto texture = std::make_unique<sf::Texture>();
     ASSERT_TRUE(texture->create(320, 64));
-    room.layers.push_back({"Water", {sf::Sprite(*texture, {0, 0, 32, 32})}});
+    room.layers.emplace_back();
+    room.layers.back().name = "Water";
+    room.layers.back().tiles = {sf::Sprite(*texture, {0, 0, 32, 32})};
     TileAnimation animation;
     animation.texture = texture.get();
     animation.frameCount = 3;

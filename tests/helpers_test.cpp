@@ -298,4 +298,7 @@ TEST(Afterimages, ThinnedTrailIsAsDenseAsTheWholeOne) {
     EXPECT_NEAR(a.b, b.b, 12);
     EXPECT_NE(thinned.getPixel(12, 1), sf::Color::Black);
     EXPECT_EQ(thinned.getPixel(13, 1), sf::Color::Black);
+    // A trail with no ghost left, as when the Goddess's are blown away, draws nothing.
+    trail.ghosts.clear();
+    EXPECT_EQ(drawn(4).getPixel(12, 1), sf::Color::Black);
 }

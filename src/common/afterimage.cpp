@@ -20,6 +20,7 @@ void UpdateAfterimages(AfterimageTrail& trail, const sf::Sprite& source, bool en
 void DrawAfterimages(sf::RenderTarget& target, const AfterimageTrail& trail, int every) {
     every = std::max(every, 1);
     int count = int(trail.ghosts.size());
+    if (count == 0) return;
     for (int i = (count - 1) % every; i < count; i += every) {
         sf::Sprite ghost = trail.ghosts[size_t(i)].sprite;
         sf::Color color = ghost.getColor();

@@ -388,7 +388,8 @@ void BuildRoom(const TiledMap& map, const TiledTileset& tileset, float scale, in
     CreateProximityCircle();
     for (const TiledLayer& layer : map.layers) {
         if (eachLayer) eachLayer();
-        room.layers.push_back({layer.name, {}});
+        room.layers.emplace_back();
+        room.layers.back().name = layer.name;
         if (layer.hasData) BuildTileLayer(layer, tileset, int(room.layers.size()) - 1);
         ReadLayerContents(layer);
         if (layer.name == "Elevator group" && layer.type == "group") {
@@ -399,6 +400,7 @@ void BuildRoom(const TiledMap& map, const TiledTileset& tileset, float scale, in
     LinkElevatorCollisions();
     LinkDoorCollisions();
     BuildBackdropCover();
+    FlattenTileLayers();
     room.loaded = true;
     Log("nb of collisions : %d\n", int(room.collisions.size()));
 }

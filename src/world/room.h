@@ -26,6 +26,11 @@ enum CollisionKind { COLLISION_SOLID = 0, COLLISION_ONE_WAY = 1 };
 struct RoomLayer {
     std::string name;
     std::vector<sf::Sprite> tiles;
+    // The still tiles drawn once at the art's scale, and the pieces of that picture that show
+    // something; null when the layer is drawn tile by tile.
+    std::unique_ptr<sf::RenderTexture> still{};
+    sf::VertexArray stillPieces{sf::Quads};
+    std::vector<int> animatedTiles{};  // indices in `tiles`, drawn over the picture
 };
 
 struct Collision {

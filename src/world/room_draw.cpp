@@ -28,8 +28,23 @@ sf::FloatRect VisibleArea(const sf::RenderTarget& target) {
     return sf::FloatRect(center.x - size.x / 2, center.y - size.y / 2, size.x, size.y);
 }
 
+void DrawPiecesInView(sf::RenderTarget& target, const sf::VertexArray& pieces,
+                      sf::RenderStates states, const sf::FloatRect& visible, bool leaveCovered);
+
+// A layer's still tiles as one picture, then its animated ones; or every tile, one by one, when
+// the layer could not be made into a picture.
 void DrawTiles(sf::RenderTarget& target, const RoomLayer& layer, const sf::FloatRect& visible) {
-    for (const sf::Sprite& tile : layer.tiles) {
+    if (!layer.still) {
+        for (const sf::Sprite& tile : layer.tiles) {
+            if (visible.intersects(tile.getGlobalBounds())) target.draw(tile);
+        }
+        return;
+    }
+    sf::RenderStates states(&layer.still->getTexture());
+    states.transform.scale(CurrentRoom().scale, CurrentRoom().scale);
+    DrawPiecesInView(target, layer.stillPieces, states, visible, false);
+    for (int index : layer.animatedTiles) {
+        const sf::Sprite& tile = layer.tiles[size_t(index)];
         if (visible.intersects(tile.getGlobalBounds())) target.draw(tile);
     }
 }
@@ -108,6 +123,54 @@ void AppendPiece(sf::VertexArray& pieces, sf::FloatRect local, sf::IntRect rect,
     pieces.append({{local.left, bottom}, texel(local.left, bottom)});
 }
 
+// Cuts the picture that `rect` maps onto a sprite's frame (wrapping round the picture, either
+// way) into pieces that hold a visible texel: squares of kPieceTexels, neighbours in a row
+// joined, up to `maxRun` of them. A software renderer pays for every triangle it sets up as well
+// as for every texel.
+void CutIntoPieces(const sf::Image& image, sf::IntRect rect, bool opaque, int maxRun,
+                   sf::VertexArray& pieces) {
+    sf::Vector2f size(float(std::abs(rect.width)), float(std::abs(rect.height)));
+    ShowingTexels showing(image);
+    for (int y = 0; y < int(size.y); y += kPieceTexels) {
+        float height = std::min(float(kPieceTexels), size.y - float(y));
+        int runStart = -1, runLength = 0;
+        auto endRun = [&](int end) {
+            if (runStart < 0) return;
+            AppendPiece(pieces, {float(runStart), float(y), float(end - runStart), height}, rect,
+                        size);
+            runStart = -1;
+            runLength = 0;
+        };
+        for (int x = 0; x < int(size.x); x += kPieceTexels) {
+            int width = std::min(kPieceTexels, int(size.x) - x);
+            // The texels under the square, whichever way the rectangle runs.
+            int left = rect.width < 0 ? rect.left - x - width : rect.left + x;
+            int top = rect.height < 0 ? rect.top - y - int(height) : rect.top + y;
+            if (!opaque && !showing.Any(left, top, width, int(height))) {
+                endRun(x);
+                continue;
+            }
+            if (runLength == maxRun) endRun(x);
+            if (runStart < 0) runStart = x;
+            runLength++;
+        }
+        endRun(int(size.x));
+    }
+}
+
+// The pieces of a picture drawn in the frame `transform` gives them, those in view only.
+void DrawPiecesInView(sf::RenderTarget& target, const sf::VertexArray& pieces,
+                      sf::RenderStates states, const sf::FloatRect& visible, bool leaveCovered) {
+    shownPieces.clear();
+    for (size_t i = 0; i + 3 < pieces.getVertexCount(); i += 4) {
+        sf::FloatRect world = states.transform.transformRect(
+            {pieces[i].position, pieces[i + 2].position - pieces[i].position});
+        if (!visible.intersects(world) || (leaveCovered && BackdropsHiddenIn(world))) continue;
+        for (size_t v = i; v < i + 4; v++) shownPieces.append(pieces[v]);
+    }
+    target.draw(shownPieces, states);
+}
+
 void MoveBackground(Background& background, sf::Vector2f center, sf::Vector2f size,
                     sf::Vector2f shift, int roomNumber) {
     sf::Sprite& sprite = *background.sprite;
@@ -165,36 +228,51 @@ void BuildBackgroundPieces(Background& background) {
     background.opaque = 0;
     if (!background.texture || !background.sprite) return;
     sf::Image image = background.texture->copyToImage();
-    sf::IntRect rect = background.sprite->getTextureRect();
-    sf::Vector2f size(float(std::abs(rect.width)), float(std::abs(rect.height)));
     background.opaque = AllOpaque(image);
-    ShowingTexels showing(image);
-    // Neighbouring squares of a row join into one piece, up to kPieceRun of them: a software
-    // renderer pays for every triangle it sets up as well as for every texel.
-    for (int y = 0; y < int(size.y); y += kPieceTexels) {
-        float height = std::min(float(kPieceTexels), size.y - float(y));
-        int runStart = -1, runLength = 0;
-        auto endRun = [&](int end) {
-            if (runStart < 0) return;
-            AppendPiece(background.pieces,
-                        {float(runStart), float(y), float(end - runStart), height}, rect, size);
-            runStart = -1;
-            runLength = 0;
-        };
-        for (int x = 0; x < int(size.x); x += kPieceTexels) {
-            int width = std::min(kPieceTexels, int(size.x) - x);
-            // The texels under the square, whichever way the rectangle runs.
-            int left = rect.width < 0 ? rect.left - x - width : rect.left + x;
-            int top = rect.height < 0 ? rect.top - y - int(height) : rect.top + y;
-            if (!background.opaque && !showing.Any(left, top, width, int(height))) {
-                endRun(x);
-                continue;
-            }
-            if (runLength == kPieceRun) endRun(x);
-            if (runStart < 0) runStart = x;
-            runLength++;
+    // Short runs, so that the ones behind opaque tiles can be left out.
+    CutIntoPieces(image, background.sprite->getTextureRect(), background.opaque, kPieceRun,
+                  background.pieces);
+}
+
+void FlattenTileLayers() {
+    Room& room = CurrentRoom();
+    std::set<std::pair<int, int>> animated;
+    for (const TileAnimation& animation : room.tileAnimations) {
+        animated.insert({animation.layer, animation.tile});
+    }
+    for (int l = 0; l < int(room.layers.size()); l++) {
+        RoomLayer& layer = room.layers[size_t(l)];
+        layer.still.reset();
+        layer.stillPieces.clear();
+        layer.animatedTiles.clear();
+        if (layer.tiles.empty() || layer.name == "Elevator group") continue;
+        // The layer's extent in the art's own pixels.
+        sf::Vector2f extent;
+        for (const sf::Sprite& tile : layer.tiles) {
+            sf::FloatRect bounds = tile.getGlobalBounds();
+            extent.x = std::max(extent.x, (bounds.left + bounds.width) / room.scale);
+            extent.y = std::max(extent.y, (bounds.top + bounds.height) / room.scale);
         }
-        endRun(int(size.x));
+        sf::Vector2u size(unsigned(std::ceil(extent.x)), unsigned(std::ceil(extent.y)));
+        unsigned largest = sf::Texture::getMaximumSize();
+        auto still = std::make_unique<sf::RenderTexture>();
+        if (size.x > largest || size.y > largest || !still->create(size.x, size.y)) continue;
+        still->clear(sf::Color::Transparent);
+        // Tiles of a layer never overlap: each is copied as it is, its alpha too.
+        sf::RenderStates copy(sf::BlendNone);
+        copy.transform.scale(1 / room.scale, 1 / room.scale);
+        for (int t = 0; t < int(layer.tiles.size()); t++) {
+            if (animated.count({l, t})) {
+                layer.animatedTiles.push_back(t);
+            } else {
+                still->draw(layer.tiles[size_t(t)], copy);
+            }
+        }
+        still->display();
+        sf::Image image = still->getTexture().copyToImage();
+        CutIntoPieces(image, {0, 0, int(size.x), int(size.y)}, false, int(size.x),
+                      layer.stillPieces);
+        layer.still = std::move(still);
     }
 }
 
@@ -267,23 +345,14 @@ void DrawRoomBackgrounds(sf::RenderTarget& target) {
     sf::FloatRect visible = VisibleArea(target);
     for (auto it = room.backgrounds.rbegin(); it != room.backgrounds.rend(); ++it) {
         if (!it->sprite) continue;
-        // Only the pieces in view and not behind opaque tiles: every texel filled costs.
-        const sf::Transform& transform = it->sprite->getTransform();
-        shownPieces.clear();
-        for (size_t i = 0; i + 3 < it->pieces.getVertexCount(); i += 4) {
-            sf::FloatRect world = transform.transformRect(
-                {it->pieces[i].position, it->pieces[i + 2].position - it->pieces[i].position});
-            if (!visible.intersects(world) || BackdropsHiddenIn(world)) continue;
-            for (size_t v = i; v < i + 4; v++) shownPieces.append(it->pieces[v]);
-        }
         // Backgrounds are never tinted: the plain copy fills faster, and an opaque one need not
-        // be blended at all.
+        // be blended at all. Only the pieces in view and not behind opaque tiles are drawn.
         sf::RenderStates states;
         states.shader = PlainTextureShader();
         states.texture = it->texture.get();
-        states.transform = transform;
+        states.transform = it->sprite->getTransform();
         if (it->opaque) states.blendMode = sf::BlendNone;
-        target.draw(shownPieces, states);
+        DrawPiecesInView(target, it->pieces, states, visible, true);
     }
     DrawLayersNamed(target, "Background");
 }

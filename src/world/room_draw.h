@@ -9,6 +9,9 @@ struct Background;
 // Cuts a backdrop whose sprite is set up (texture rect included, repeats too) into the pieces
 // that hold any visible texel, and notes whether it is opaque all over.
 void BuildBackgroundPieces(Background& background);
+// Draws each tile layer's still tiles once into a picture of its own, cut into the pieces that
+// show something: a few hundred tiles become a few dozen quads. Animated tiles stay sprites.
+void FlattenTileLayers();
 // Notes the tile cells of the current room where opaque tiles (of any layer) hide the backdrops.
 void BuildBackdropCover();
 // Whether opaque tiles hide the backdrops everywhere in the area.
