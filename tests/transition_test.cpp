@@ -10,6 +10,7 @@
 #include "app/game_state.h"
 #include "app/input.h"
 #include "enemies/enemies.h"
+#include "hud/boss_hud.h"
 #include "menus/settings_files.h"
 #include "player/player.h"
 #include "player/save.h"
@@ -293,6 +294,22 @@ TEST_F(TransitionTest, KillsBeforeTheArenaLocksDoNotOpenIt) {
     for (const Door& door : arena.doors) {
         EXPECT_EQ(room.collisions[door.collisionIndex].active, 0);
     }
+}
+
+// A game kept at the garden's statue starts in the garden as a walk in would: framed to the
+// garden, with the Goddess's bar rising.
+TEST_F(TransitionTest, AGameResumedInTheGardenFramesItAndRaisesTheGoddesssBar) {
+    WriteCheckpointSave(0, 23);
+    testing::internal::CaptureStdout();
+    CleanupGame();
+    LoadGame(*app.window);
+    Update(360);
+    testing::internal::GetCapturedStdout();
+    ASSERT_EQ(CurrentRoomNumber(), 23);
+    EXPECT_EQ(GameCamera().view->getSize(), FitViewSize(CurrentRoom().cameraContainer->getSize()));
+    ASSERT_EQ(BossBars().size(), 1u);
+    EXPECT_EQ(BossBars()[0].container->getPosition(), BossBars()[0].target) << "risen";
+    EXPECT_EQ(BossBars()[0].shownLife, 60);
 }
 
 // The watch gallery and the garden show the whole room at once; the rooms beside them do not.

@@ -62,8 +62,9 @@ constexpr float kLashLength = 3000, kLashDrop = 400;
 constexpr int kLashAgain = 40, kRageLashAgain = 60;  // in a hundred
 const AfterimageLook kTrail = {1.0f / 70.0f, sf::Color(119, 86, 162, 100), 0.5f};
 // Her thirty-odd ghosts a trail overlap almost wholly: one in four, each as dense as four, looks
-// the same and fills a quarter of the texels.
-constexpr int kTrailDrawnEvery = 4;
+// the same and fills a quarter of the texels. Her wings, four times the body's area and soft at
+// their edges, keep one ghost in eight.
+constexpr int kBodyTrailDrawnEvery = 4, kWingsTrailDrawnEvery = 8;
 // Her fall: her light flares, then she fades as she rises, her afterimages blown away from her.
 constexpr float kFlareTime = 0.6f, kFadeTime = 2.4f;
 constexpr float kRiseSpeed = 60, kScatterSpeed = 420;
@@ -543,8 +544,8 @@ void DrawPart(sf::RenderTarget& target, const sf::Sprite& sprite, float fade, fl
 void DrawGoddess(sf::RenderTarget& target, Goddess& g) {
     float fade = Fade(g), flare = Flare(g);
     if (fade <= 0) return;
-    if (g.wingsShown) DrawAfterimages(target, g.wingsTrail, kTrailDrawnEvery);
-    DrawAfterimages(target, g.bodyTrail, kTrailDrawnEvery);
+    if (g.wingsShown) DrawAfterimages(target, g.wingsTrail, kWingsTrailDrawnEvery);
+    DrawAfterimages(target, g.bodyTrail, kBodyTrailDrawnEvery);
     if (g.wingsShown) DrawPart(target, Trimmed(Sprite(g, PART_WINGS), PART_WINGS), fade, flare);
     DrawPart(target, Trimmed(Sprite(g, PART_BODY), PART_BODY), fade, flare);
     if (Lashing(g)) DrawPart(target, Trimmed(Sprite(g, PART_WHIP), PART_WHIP), fade, 0);

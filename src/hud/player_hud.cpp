@@ -242,7 +242,9 @@ PlayerHud& GetPlayerHud() {
 }
 
 void CreatePlayerHud() {
-    DestroyPlayerHud();
+    // Only the hero's own pieces are made anew: the boss bars belong to the room, loaded first.
+    DestroyMoneyCounter();
+    hud = PlayerHud();
     // The ability explanation panel is made here too once it exists, handed the game's
     // explanationOpen flag.
     CreateHealFlask();

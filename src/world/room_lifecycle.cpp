@@ -25,8 +25,10 @@ void FrameRoom(int roomNumber) {
     if (!fits && !viewFitted) return;
     sf::Vector2f size =
         fits ? FitViewSize(CurrentRoom().cameraContainer->getSize()) : kNormalViewSize;
-    if (camera.mode == CAMERA_FOLLOW) camera.targetSize = size;
-    if (camera.mode == CAMERA_FIXED) camera.fixedSize = size;
+    // A blend (as a game starts) goes on towards its target's size: that size is set too.
+    int settling = camera.mode == CAMERA_BLEND ? camera.blendTarget : camera.mode;
+    if (settling == CAMERA_FOLLOW) camera.targetSize = size;
+    if (settling == CAMERA_FIXED) camera.fixedSize = size;
     camera.view->setSize(size);
     viewFitted = fits;
 }

@@ -16,6 +16,7 @@ import os
 import re
 import shutil
 import subprocess
+import sys
 import tempfile
 import time
 
@@ -77,8 +78,13 @@ class Game:
     def fail(self, expected):
         status = self.process.poll()
         ended = "" if status is None else " (the game had ended with status %d)" % status
-        raise AssertionError("expected %s%s\n--- the game's log ends with:\n%s"
-                             % (expected, ended, self.log_tail()))
+        shown = ""
+        if status is None:
+            # What the screen showed when the wait gave up, to look at beside the log.
+            name = "failed-" + os.path.splitext(os.path.basename(sys.argv[0]))[0]
+            shown = "\n--- the screen then: " + self.screenshot(name)
+        raise AssertionError("expected %s%s%s\n--- the game's log ends with:\n%s"
+                             % (expected, ended, shown, self.log_tail()))
 
     def wait_until(self, check, expected, timeout=PATIENCE, interval=0.1):
         """Polls check() until it gives something true and returns that; fails saying what was

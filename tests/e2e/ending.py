@@ -2,13 +2,14 @@
 console fells her, dawn floods the garden, the ending screen rolls, and a few presses bring back
 the title menu with the save as it was.
 
-The hero starts at the garden's entrance (its checkpoint point; the garden has no statue). The
-console's "/god" keeps him standing while she strikes, "/kill/enemy" ends her.
+The hero starts at the statue on the garden's lawn, shut in with her. Once her bar has risen,
+the console's "/kill/enemy" ends her.
 """
 import sys
 
 import numpy
 
+from boss import bar_pixels
 from driver import LOADED_ROOM, Game, saved_at
 
 # The ending screen's dawn colour, before the landscape settles in.
@@ -33,10 +34,11 @@ def main(binary):
     try:
         game.play()
         game.wait_until(lambda: game.count(LOADED_ROOM) >= 1, "the garden loaded")
-        game.wait_for_hero_at_rest()
-        # Felled at once: left standing, her blows could throw him back out through the door.
-        game.screenshot("goddess")
-        console(game, "/god")
+        # Her bar rises a few seconds into the fight, too soon for her to fell him; then the
+        # console fells her.
+        shown, _ = game.wait_for_screen(lambda image: bar_pixels(image) > 900 * 24 // 2,
+                                        "the Goddess's bar risen at the bottom of the screen")
+        game.screenshot("goddess", shown)
         console(game, "/kill/enemy")
         game.wait_for_line("Ending : dawn\n")
         washed, _ = game.wait_for_screen(mostly_dawn, "the garden washed out by the dawn")

@@ -556,12 +556,26 @@ def _clear_flight_zones(room, tiles, zones):
                     tiles["Background"][i], tiles["Ground"][i] = tiles["Ground"][i], None
 
 
+def _camera_cells(room, words, line):
+    """A room the view must not show whole (a fitted view costs its area in texels) keeps the
+    camera in part of its cells: at least a screen's worth, inside the room."""
+    if len(words) != 5:
+        raise SourceError(f"line {line}: write 'camera <x0> <y0> <x1> <y1>' in cells")
+    x0, y0, x1, y1 = (int(w) for w in words[1:])
+    if not (0 <= x0 <= x1 < room.width and 0 <= y0 <= y1 < room.height):
+        raise SourceError(f"line {line}: the camera's cells must lie inside the room")
+    if (x1 - x0 + 1) * T < 640 or (y1 - y0 + 1) * T < 360:
+        raise SourceError(f"line {line}: the camera's cells must hold a whole screen")
+    return x0, y0, x1, y1
+
+
 def objects(room):
     obj = Objects()
     doors, containers = [], {}
     checkpoints = []
     letters = {}
     lock_triggers = []
+    camera = (0, 0, room.width - 1, room.height - 1)
     for line, words in room.objects:
         key = words[0]
         marks = [w for w in words[1:] if len(w) == 1 and w.isupper()]
@@ -653,6 +667,9 @@ def objects(room):
                      words[3:] == ["closed"]))
             elif key == "elevator":
                 obj.elevators.append(_elevator(room, words, line))
+            elif key == "camera":
+                # camera <x0> <y0> <x1> <y1>: the cells the view is kept in (all by default)
+                camera = _camera_cells(room, words, line)
             elif key == "locktrigger":
                 # locktrigger <id> <letter>: stepping into the letter's cells closes group <id>
                 gid, letter = int(words[1]), words[2]
@@ -697,7 +714,9 @@ def objects(room):
     for x, y, w, h in sorted(zones):
         obj.rect("Trigger", "DeathZone", x, y, w, h, _props(value=0))
         obj.rect("DeathZone", "DeathZone", x, y, w, h)
-    obj.rect("CameraContainer", "CameraContainer", 0, 0, room.width * T, room.height * T)
+    x0, y0, x1, y1 = camera
+    obj.rect("CameraContainer", "CameraContainer", x0 * T, y0 * T, (x1 - x0 + 1) * T,
+             (y1 - y0 + 1) * T)
     return obj
 
 
