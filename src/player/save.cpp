@@ -72,8 +72,8 @@ SaveRecord ReadSaveRecord(std::FILE* file) {
 
 bool SaveRecordComplete(const SaveRecord& record) {
     const Abilities& a = record.abilities;
-    for (int value : {record.checkpointID, record.roomID, a.canDash, a.canRun,
-                      a.CanCreatePlatform, a.potionCount}) {
+    for (int value : {record.checkpointID, record.roomID, a.canDash, a.canRun, a.CanCreatePlatform,
+                      a.potionCount}) {
         if (value == -1) return false;
     }
     return true;

@@ -96,7 +96,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
             "what the room writes is readable");
     Require(RoomState() == loaded, "what the room writes puts it back the same way");
     Require(ElevatorStatesText() == written, "a room read from its own text writes that text");
-    if (applied || SampledForFiles(data, size)) ThroughTheFile(data, size, applied, loaded, written);
+    if (applied || SampledForFiles(data, size))
+        ThroughTheFile(data, size, applied, loaded, written);
     CurrentRoom().elevators.clear();
     return 0;
 }

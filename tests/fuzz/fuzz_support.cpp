@@ -52,7 +52,8 @@ std::string ReadText(const std::string& path) {
 MemoryFile::MemoryFile(const uint8_t* data, size_t size) {
     // An empty buffer cannot be opened: an empty file is a stream at its end from the start.
     static char nothing[1];
-    file = size > 0 ? ::fmemopen(const_cast<uint8_t*>(data), size, "r") : ::fmemopen(nothing, 1, "r");
+    file =
+        size > 0 ? ::fmemopen(const_cast<uint8_t*>(data), size, "r") : ::fmemopen(nothing, 1, "r");
     if (!file) Broken("the bytes open as a file in memory");
     if (size == 0) std::fgetc(file);
 }
