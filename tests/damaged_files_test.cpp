@@ -31,6 +31,11 @@ TEST(DamagedMap, NumbersThatDoNotFitAreRefusedNamingTheFileAndWhy) {
         // A flipped tile carries its flags in the high bits.
         {MapWith("2", "[1,2147483649]"), "flipped tiles"},
         {MapWith("2", "[1,4194304]"), "flipped tiles"},
+        {MapWith("-2", "[1,2]"), "\"width\" is negative"},
+        // Minus one by minus one cells would pass for one cell once multiplied.
+        {R"({"width":1,"height":1,"tilewidth":32,"tileheight":32,"layers":[{"type":"tilelayer",)"
+         R"("name":"Ground","width":-1,"height":-1,"data":[5]}]})",
+         "\"width\" is negative"},
     };
     for (const Case& c : cases) {
         TiledMap map;

@@ -107,6 +107,13 @@ bool ReadAnimData(const char* path, std::span<const AnimClipSpec> specs, AnimDat
                   const std::function<void(std::FILE*, int)>& extra) {
     std::FILE* file = std::fopen(path, "r");
     if (!file) return false;
+    ReadAnimData(file, specs, data, extra);
+    std::fclose(file);
+    return true;
+}
+
+void ReadAnimData(std::FILE* file, std::span<const AnimClipSpec> specs, AnimData& data,
+                  const std::function<void(std::FILE*, int)>& extra) {
     ReadAnimSize(file, data.frameSize);
     ReadAnimFirstFrame(file, data.firstFrame);
     if (extra) extra(file, -1);
@@ -119,8 +126,6 @@ bool ReadAnimData(const char* path, std::span<const AnimClipSpec> specs, AnimDat
         if (specs[i].damageTail) data.damageFrames[i] = ReadAnimTail(file, specs[i].damageTail);
         if (extra) extra(file, int(i));
     }
-    std::fclose(file);
-    return true;
 }
 
 void BindClips(std::vector<Animation>& clips, sf::Sprite* sprite, sf::Vector2u sheetSize) {

@@ -63,6 +63,9 @@ struct AnimData {
 // the file cannot be opened (nothing is read).
 bool ReadAnimData(const char* path, std::span<const AnimClipSpec> specs, AnimData& data,
                   const std::function<void(std::FILE*, int)>& extra = {});
+// The same from an open file (or text in memory).
+void ReadAnimData(std::FILE* file, std::span<const AnimClipSpec> specs, AnimData& data,
+                  const std::function<void(std::FILE*, int)>& extra = {});
 // The size of the sheet a sprite shows (0 x 0 without a texture).
 sf::Vector2u SheetSize(const sf::Sprite* sprite);
 // Binds copies of the clips to a sprite showing a sheet of `sheetSize`.

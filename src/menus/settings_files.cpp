@@ -26,9 +26,7 @@ constexpr Range kVolumeRange{0, 100};
 constexpr Range kKeyRange{sf::Keyboard::Unknown, sf::Keyboard::KeyCount - 1};
 
 // A value out of its range is treated as a line that does not match: the old value stays.
-void ReadValues(const char* path, const char* const* formats, int* target, int count, Range range) {
-    std::FILE* file = std::fopen(path, "r");
-    if (!file) FatalExit("Erreur de lecture\n");
+void ScanValues(std::FILE* file, const char* const* formats, int* target, int count, Range range) {
     for (int i = 0; i < count; i++) {
         int value = 0;
         if (std::fscanf(file, formats[i], &value) == 1 && value >= range.low &&
@@ -36,18 +34,28 @@ void ReadValues(const char* path, const char* const* formats, int* target, int c
             target[i] = value;
         }
     }
+}
+
+void ReadValues(const char* path, const char* const* formats, int* target, int count, Range range) {
+    std::FILE* file = std::fopen(path, "r");
+    if (!file) FatalExit("Erreur de lecture\n");
+    ScanValues(file, formats, target, count, range);
     std::fclose(file);
 }
 
-// Through a temporary file and a rename, so a crash mid-write keeps the old file whole.
-void WriteValues(const char* path, const char* const* formats, const int* source, int count) {
+std::string ValuesText(const char* const* formats, const int* source, int count) {
     std::string text;
     char line[64];
     for (int i = 0; i < count; i++) {
         std::snprintf(line, sizeof line, formats[i], source[i]);
         text += line;
     }
-    if (!WriteFileSafely(path, text))
+    return text;
+}
+
+// Through a temporary file and a rename, so a crash mid-write keeps the old file whole.
+void WriteValues(const char* path, const char* const* formats, const int* source, int count) {
+    if (!WriteFileSafely(path, ValuesText(formats, source, count)))
         FatalExit(
             "Erreur de d'\xE9"
             "criture\n");
@@ -65,6 +73,22 @@ void ReadSoundSettings() {
 
 void ReadBindingSettings() {
     ReadValues(kBindingSettingsPath, kBindingFormats, values.bindings, BINDING_COUNT, kKeyRange);
+}
+
+void ReadSoundSettings(std::FILE* file) {
+    ScanValues(file, kSoundFormats, values.volumes, 3, kVolumeRange);
+}
+
+void ReadBindingSettings(std::FILE* file) {
+    ScanValues(file, kBindingFormats, values.bindings, BINDING_COUNT, kKeyRange);
+}
+
+std::string SoundSettingsText() {
+    return ValuesText(kSoundFormats, values.volumes, 3);
+}
+
+std::string BindingSettingsText() {
+    return ValuesText(kBindingFormats, values.bindings, BINDING_COUNT);
 }
 
 void WriteSettings() {

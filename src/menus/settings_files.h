@@ -1,6 +1,9 @@
 // The three volumes and nine key bindings, and the two plain-text files that keep them.
 #pragma once
 
+#include <cstdio>
+#include <string>
+
 enum SoundCategory { SOUND_MASTER = 0, SOUND_MUSIC = 1, SOUND_EFFECTS = 2 };
 
 enum BindingAction {
@@ -32,5 +35,10 @@ SettingsValues& Settings();
 // keeps its previous value, silently.
 void ReadSoundSettings();
 void ReadBindingSettings();
+// The same from an open file (or text in memory), and the texts the writer writes.
+void ReadSoundSettings(std::FILE* file);
+void ReadBindingSettings(std::FILE* file);
+std::string SoundSettingsText();
+std::string BindingSettingsText();
 // Writes the sound file, then the binding file, each replaced whole (never left half written).
 void WriteSettings();

@@ -32,19 +32,6 @@ std::string AbilitiesSection(const Abilities& a) {
            Line("potionCount %d\n", a.potionCount);
 }
 
-std::string SaveText(const SaveRecord& record) {
-    return CheckpointSection(record) + AbilitiesSection(record.abilities);
-}
-
-bool Complete() {
-    const Abilities& a = save.abilities;
-    for (int value : {save.checkpointID, save.roomID, a.canDash, a.canRun, a.CanCreatePlatform,
-                      a.potionCount}) {
-        if (value == -1) return false;
-    }
-    return true;
-}
-
 // Rewrites the whole file from the record.
 void WriteWholeSave() {
     if (!WriteFileSafely(kSavePath, SaveText(save))) LogError("Open file error !\n");
@@ -61,8 +48,35 @@ void KeepDamagedSave() {
 
 }  // namespace
 
+std::string SaveText(const SaveRecord& record) {
+    return CheckpointSection(record) + AbilitiesSection(record.abilities);
+}
+
 SaveRecord& Save() {
     return save;
+}
+
+SaveRecord ReadSaveRecord(std::FILE* file) {
+    SaveRecord record;
+    Abilities& a = record.abilities;
+    // Each pattern is scanned on its own, so one damaged line leaves only later fields unread.
+    [[maybe_unused]] int read =
+        std::fscanf(file, "//////////////////// CHECKPOINT DATA : checkpointID %d roomID %d",
+                    &record.checkpointID, &record.roomID);
+    read = std::fscanf(file, " //////////////////// ABILITIES DATA : canDash %d canRun %d",
+                       &a.canDash, &a.canRun);
+    read = std::fscanf(file, " CanCreatePlatform %d potionCount %d", &a.CanCreatePlatform,
+                       &a.potionCount);
+    return record;
+}
+
+bool SaveRecordComplete(const SaveRecord& record) {
+    const Abilities& a = record.abilities;
+    for (int value : {record.checkpointID, record.roomID, a.canDash, a.canRun, a.CanCreatePlatform,
+                      a.potionCount}) {
+        if (value == -1) return false;
+    }
+    return true;
 }
 
 void LoadSave() {
@@ -70,18 +84,10 @@ void LoadSave() {
     bool found = false;
     if (std::FILE* file = std::fopen(kSavePath, "r")) {
         found = true;
-        Abilities& a = save.abilities;
-        // Each pattern is scanned on its own, so one damaged line leaves only later fields unread.
-        [[maybe_unused]] int read =
-            std::fscanf(file, "//////////////////// CHECKPOINT DATA : checkpointID %d roomID %d",
-                        &save.checkpointID, &save.roomID);
-        read = std::fscanf(file, " //////////////////// ABILITIES DATA : canDash %d canRun %d",
-                           &a.canDash, &a.canRun);
-        read = std::fscanf(file, " CanCreatePlatform %d potionCount %d", &a.CanCreatePlatform,
-                           &a.potionCount);
+        save = ReadSaveRecord(file);
         std::fclose(file);
     }
-    if (Complete()) return;
+    if (SaveRecordComplete(save)) return;
     if (found) KeepDamagedSave();
     WriteNewGameSave();
 }

@@ -1,6 +1,9 @@
 // The one save: the checkpoint last rested at, the abilities and the potions carried.
 #pragma once
 
+#include <cstdio>
+#include <string>
+
 struct Abilities {
     int canDash = 0;
     int canRun = 0;
@@ -19,6 +22,13 @@ constexpr const char* kSavePath = "Assets/Saves/PlayerSave.txt";
 constexpr const char* kDamagedSavePath = "Assets/Saves/PlayerSave.damaged.txt";
 
 SaveRecord& Save();
+
+// The fields a save's text holds, read from an open file (or text in memory); an unread field
+// stays -1. Complete when no field is -1.
+SaveRecord ReadSaveRecord(std::FILE* file);
+bool SaveRecordComplete(const SaveRecord& record);
+// The whole text the writers write for a record.
+std::string SaveText(const SaveRecord& record);
 
 // Reads the save; a missing file or any unread field starts a new game (and rewrites the file,
 // keeping a damaged one aside, reported).

@@ -499,15 +499,22 @@ void LoadElevatorStates() {
         return;
     }
     Log("Entered in file !\n");
-    std::vector<ElevatorState> states;
-    bool readable = ParseStates(file, states);
+    bool applied = ReadElevatorStates(file);
     std::fclose(file);
-    if (readable && StatesFit(states)) {
-        ApplyStates(states);
-        return;
-    }
+    if (applied) return;
     LogError("Elevator state file %s is damaged: the map's state replaces it\n", path.c_str());
     WriteStates(path);
+}
+
+bool ReadElevatorStates(std::FILE* file) {
+    std::vector<ElevatorState> states;
+    if (!ParseStates(file, states) || !StatesFit(states)) return false;
+    ApplyStates(states);
+    return true;
+}
+
+std::string ElevatorStatesText() {
+    return StateText(CurrentRoom().elevators);
 }
 
 void SaveElevatorStates() {

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <SFML/Graphics.hpp>
+#include <cstdio>
 #include <memory>
 #include <string>
 #include <vector>
@@ -48,6 +49,11 @@ std::string ElevatorStatePath(int roomNumber);
 // Puts the current room's cabins and levers as the state file says; writes the file from the
 // map's state when it is missing, and replaces a damaged one (reported) the same way.
 void LoadElevatorStates();
+// The same from an open file (or text in memory): false, changing nothing, when it is damaged or
+// does not fit the room's cabins.
+bool ReadElevatorStates(std::FILE* file);
+// The text the state file is written with.
+std::string ElevatorStatesText();
 // Writes the current room's state file (through a temporary file and a rename).
 void SaveElevatorStates();
 

@@ -47,6 +47,12 @@ T Required(const json& node, const char* key) {
     return Get<T>(Require(node, key), key);
 }
 
+// A map's or a layer's size: a negative one could pass for a small one once multiplied.
+int Size(int value, const char* key) {
+    if (value < 0) throw FormatError(std::string("\"") + key + "\" is negative");
+    return value;
+}
+
 template <typename T>
 T Optional(const json& node, const char* key, T fallback) {
     if (!node.is_object() || !node.contains(key) || node.at(key).is_null()) return fallback;
@@ -121,8 +127,8 @@ TiledLayer ReadLayer(const json& node) {
     TiledLayer layer;
     layer.type = Required<std::string>(node, "type");
     layer.name = Optional<std::string>(node, "name", "");
-    layer.width = Optional<int>(node, "width", 0);
-    layer.height = Optional<int>(node, "height", 0);
+    layer.width = Size(Optional<int>(node, "width", 0), "width");
+    layer.height = Size(Optional<int>(node, "height", 0), "height");
     layer.offsetX = Optional<float>(node, "offsetx", 0);
     layer.offsetY = Optional<float>(node, "offsety", 0);
     layer.parallaxX = Optional<float>(node, "parallaxx", 1);
@@ -193,8 +199,8 @@ bool ParseTiledMap(const std::string& text, const std::string& path, TiledMap& m
     try {
         if (Optional<bool>(root, "infinite", false))
             throw FormatError("infinite maps are not read");
-        map.width = Required<int>(root, "width");
-        map.height = Required<int>(root, "height");
+        map.width = Size(Required<int>(root, "width"), "width");
+        map.height = Size(Required<int>(root, "height"), "height");
         map.tileWidth = Required<int>(root, "tilewidth");
         map.tileHeight = Required<int>(root, "tileheight");
         map.properties = ReadProperties(root);

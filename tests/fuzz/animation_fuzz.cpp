@@ -1,5 +1,6 @@
-// An animation data file against any bytes: the hero's layout of clips is read, then every clip
-// is played on sheets of a few sizes, as the game would, for short and long frames.
+// An animation data file against any bytes, read in memory by the reader's own code: the hero's
+// layout of clips is read, then every clip is played on sheets of a few sizes, as the game would,
+// for short and long frames. One input in sixteen is also read from a real file.
 #include <array>
 #include <cstdio>
 
@@ -42,13 +43,38 @@ void Play(Animation clip, sf::Sprite& sprite, sf::Vector2u sheet) {
     }
 }
 
-}  // namespace
+bool SameData(const AnimData& a, const AnimData& b) {
+    if (a.frameSize != b.frameSize || a.firstFrame != b.firstFrame ||
+        a.damageFrames != b.damageFrames || a.clips.size() != b.clips.size()) {
+        return false;
+    }
+    for (size_t i = 0; i < a.clips.size(); i++) {
+        const Animation &x = a.clips[i], &y = b.clips[i];
+        if (x.frameCount != y.frameCount || x.frameRate != y.frameRate ||
+            x.frameRect != y.frameRect || x.loop != y.loop) {
+            return false;
+        }
+    }
+    return true;
+}
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+// One input in sixteen is also read from a real file, which must read the same.
+void ThroughTheFile(const uint8_t* data, size_t size, const AnimData& read) {
     EnterScratchFolder();
     WriteBytes("AnimData.txt", data, size);
     AnimData anim;
     Require(ReadAnimData("AnimData.txt", kClips, anim, ExtraPoints), "an existing file is read");
+    Require(SameData(anim, read), "the file reads as the same text in memory");
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    AnimData anim;
+    {
+        MemoryFile file(data, size);
+        ReadAnimData(file.get(), kClips, anim, ExtraPoints);
+    }
     Require(anim.clips.size() == kClips.size() && anim.damageFrames.size() == kClips.size(),
             "one clip and one damage frame per label");
     sf::Sprite sprite;
@@ -58,5 +84,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
             Play(clip, sprite, sheet);
         }
     }
+    if (SampledForFiles(data, size)) ThroughTheFile(data, size, anim);
     return 0;
 }
