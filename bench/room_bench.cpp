@@ -17,6 +17,7 @@
 #include "menus/settings_files.h"
 #include "player/player.h"
 #include "world/camera.h"
+#include "world/elevators.h"
 #include "world/pixel_canvas.h"
 #include "world/room.h"
 #include "world/room_lifecycle.h"
@@ -67,6 +68,9 @@ bool NearDoorAhead(bool right) {
 
 // The life the walk keeps the hero at: 1 to 40 keeps the HUD's vignette pulsing.
 int keptLife = 100;
+// Instead of walking, the hero rides the room's first cabin to and fro (the shaft's ride zooms
+// the view out to twice the screen).
+bool riding = false;
 
 // The hero walks to and fro inside the room, turning before doors, and never dies, so every
 // frame measured belongs to the room itself.
@@ -87,7 +91,10 @@ struct Walker {
 
 void PlaceHero() {
     const Room& room = CurrentRoom();
-    if (!room.checkpointSpawns.empty()) {
+    if (riding && !room.elevators.empty()) {
+        // Dropped onto the cabin's deck, which stands a short hop over its floor.
+        SetPlayerPosition(room.elevators.front().sprite->getPosition() - sf::Vector2f(0, 96));
+    } else if (!room.checkpointSpawns.empty()) {
         SetPlayerPosition(room.checkpointSpawns[0].position);
     } else if (!room.doorSpawns.empty()) {
         SetPlayerPosition(room.doorSpawns[0].position);
@@ -109,7 +116,11 @@ FrameTimes MeasureFrames(sf::RenderWindow& window, int number) {
     Walker walker;
     std::vector<double> frames, processor;
     for (int frame = 0; frame < kWarmUp + kFrames; frame++) {
-        walker.Step();
+        if (!riding) {
+            walker.Step();
+        } else if (!CurrentRoom().elevators.empty() && !CurrentRoom().elevators.front().moving) {
+            InteractWithElevators(PlayerBodyBounds());  // on the deck: off it goes again
+        }
         auto begin = Clock::now();
         double cpuBegin = ProcessMilliseconds();
         UpdateGame(window, kDt);
@@ -183,13 +194,16 @@ int main(int argc, char** argv) {
         "| pixel canvas p50 ms | pixel canvas p99 ms | p50 ratio | pixel canvas CPU p50 ms |\n"
         "|---|---|---|---|---|---|---|---|\n");
     // Arguments: room numbers (all built rooms when none), "--shots FOLDER" to save the
-    // side-by-side pictures of both paths there, "--life N" to walk at that life.
+    // side-by-side pictures of both paths there, "--life N" to walk at that life, "--ride" to
+    // ride the room's cabin instead of walking.
     std::vector<int> rooms;
     std::string shots;
     for (int i = 1; i < argc; i++) {
         std::string argument = argv[i];
         if (argument == "--shots" && i + 1 < argc) {
             shots = argv[++i];
+        } else if (argument == "--ride") {
+            riding = true;
         } else if (argument == "--life" && i + 1 < argc) {
             keptLife = std::atoi(argv[++i]);
         } else {

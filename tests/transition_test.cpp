@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <filesystem>
 #include <set>
 
@@ -324,5 +325,34 @@ TEST_F(TransitionTest, OnlyTheRoomsShownWholeWidenTheViewAndTheNextRoomNarrowsIt
         } else {
             EXPECT_EQ(size, sf::Vector2f(1920, 1080)) << "room " << room << " after a whole room";
         }
+    }
+}
+
+// The shaft's long ride widens the view to 3840 x 2160: the shaft holds that view whole with the
+// cabin in its middle, the view stays that wide after the ride (it is the room's fit), and the
+// next room gets the normal framing back.
+TEST_F(TransitionTest, TheShaftHoldsTheRidesWideViewAndTheNextRoomNarrowsItAgain) {
+    Enter(12);
+    Camera& camera = GameCamera();
+    const sf::Vector2f wide(3840, 2160);
+    ASSERT_FALSE(CurrentRoom().elevators.empty());
+    float cabin = CurrentRoom().elevators.front().stops.front().position.x;
+    for (float y : {1200.0f, 4000.0f}) {
+        camera.view->setSize(wide);
+        camera.view->setCenter(cabin, y);
+        ClampViewToContainer();
+        EXPECT_LT(std::abs(camera.view->getCenter().x - cabin), 96) << "the cabin off the middle";
+        EXPECT_EQ(camera.view->getCenter().y, y) << "the view moved up or down";
+    }
+    EXPECT_EQ(FitViewSize(CurrentRoom().cameraContainer->getSize()), wide);
+    // After the ride, down the door to the high square, or up the shaft again and out at its foot.
+    for (int next : {13, 11}) {
+        Enter(12);
+        camera.mode = CAMERA_FOLLOW;
+        camera.targetSize = wide;
+        camera.view->setSize(wide);
+        Enter(next);
+        EXPECT_EQ(camera.view->getSize(), sf::Vector2f(1920, 1080)) << "room " << next;
+        EXPECT_EQ(camera.targetSize, sf::Vector2f(1920, 1080)) << "room " << next;
     }
 }

@@ -13,7 +13,8 @@
 namespace {
 
 int currentRoom = 0;
-// The last room fitted the view to itself: the next room gets the normal framing back.
+// The last room fitted the view to itself: the next room gets the normal framing back. The shaft
+// (room 12) does so at the end of its long ride, its container being as wide as the ride's view.
 bool viewFitted = false;
 const sf::Vector2f kNormalViewSize(1920, 1080);
 
@@ -22,7 +23,9 @@ void FrameRoom(int roomNumber) {
     Camera& camera = GameCamera();
     if (!camera.view) return;
     bool fits = (roomNumber == 14 || roomNumber == 23) && CurrentRoom().cameraContainer;
-    if (!fits && !viewFitted) return;
+    bool reframe = fits || viewFitted;
+    viewFitted = fits || roomNumber == 12;
+    if (!reframe) return;
     sf::Vector2f size =
         fits ? FitViewSize(CurrentRoom().cameraContainer->getSize()) : kNormalViewSize;
     // A blend (as a game starts) goes on towards its target's size: that size is set too.
@@ -30,7 +33,6 @@ void FrameRoom(int roomNumber) {
     if (settling == CAMERA_FOLLOW) camera.targetSize = size;
     if (settling == CAMERA_FIXED) camera.fixedSize = size;
     camera.view->setSize(size);
-    viewFitted = fits;
 }
 
 }  // namespace

@@ -14,6 +14,7 @@ import os
 import sys
 import time
 
+import numpy
 from PIL import Image
 
 from boss import bar_pixels
@@ -114,7 +115,21 @@ def arena(binary):
             shown = find(image, gate)
             counts.append(0 if shown is None else shown.pixels)
             return len(counts) > 3 and counts[-1] == counts[-2] == counts[-3] > 0
-        shot, _ = game.wait_for_screen(settled, "the gate down and still")
+        game.wait_for_screen(settled, "the gate down and still")
+        hero = worn_only_by("Sprites/Player/Hero1")
+        close = find(game.screen(), hero).pixels
+        # The whole pit at once (the view 1.6 times wider), so that its keepers show below the
+        # walkway: the bodies of the slimes and the scavengers, not the slimes' gobs.
+        console(game, "/camera/dezoom")
+        keepers = numpy.concatenate([worn_only_by("Slime/BlueSlime SpriteSheet"),
+                                     worn_only_by("Trash/TrashCity")])
+
+        def fight(image):
+            him = find(image, hero, minimum=5)
+            return (him is not None and him.pixels < 0.6 * close and find(image, gate) is not None
+                    and find(image, keepers, step=1, minimum=20) is not None)
+        shot, _ = game.wait_for_screen(fight, "the whole pit in view: the gate shut, the hero and "
+                                       "the pit's keepers")
         game.screenshot("arena", shot)
     finally:
         game.close()
