@@ -611,7 +611,11 @@ void RideZoom(float elapsed, float duration) {
     if (riding && elapsed > 0.2f * duration && elapsed < 0.6f * duration) {
         if (camera.targetSize != wide) StartZoomBlend(wide);
     } else if ((!riding || elapsed >= 0.6f * duration) && CurrentRoom().cameraContainer) {
+        // Back to the container's fitted size, but never wider than the screen's own framing:
+        // the shaft stands in a container as wide as the ride's view, which would stay out.
+        const sf::Vector2f normal(1920, 1080);
         sf::Vector2f fitted = FitViewSize(CurrentRoom().cameraContainer->getSize());
+        if (fitted.x > normal.x) fitted = normal;
         if (camera.targetSize != fitted) StartZoomBlend(fitted);
     }
 }

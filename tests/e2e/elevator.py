@@ -2,17 +2,14 @@
 door to room 13.
 
 The hero starts at the shaft's foot (room 12's checkpoint point, five tiles west of the cabin).
-He walks up to the cabin, hops onto its deck and interacts: the cabin rides the sixty tiles up
-and the view zooms out to twice the screen for the long ride, the whole width of the shaft's
-quarter of the city in view. The shaft's container is that wide, so the view stays out, fitted to
-it, until the hero leaves. He steps off east and walks through the door. The game then loads room
-13 (its collision count in the log) at the normal zoom and writes the shaft's state file with the
-cabin at its top stop. Screenshots of the foot, the ride, the top and room 13 go to
-tests/out/elevator-*.png.
+He walks up to the cabin, hops onto its deck and interacts: the cabin rides the sixty tiles up,
+the view zooms out for the long ride and back in before the top. He steps off east and walks
+through the door. The game then loads room 13 (its collision count in the log) and writes the
+shaft's state file with the cabin at its top stop. Screenshots of the foot, the ride and the top
+go to tests/out/elevator-*.png.
 
 Every distance is read on the screen against the lever that stands four tiles east of the
-cabin's middle at each stop (half as far on the screen once the view is out): the lever's colours
-are its own.
+cabin's middle at each stop, both in view at the normal zoom; the lever's colours are its own.
 """
 import json
 import os
@@ -35,19 +32,16 @@ DECK_RISE = 40
 STAGE_DEADLINE = 90
 # The zoomed-out view is twice as wide: the hero covers a quarter of the pixels.
 ZOOMED_OUT, ZOOMED_IN = 0.45, 0.8
-# How large a distance shows once the view is out.
-OUT = 0.5
 
 
-def hero_and_lever(game, colours, scale=1.0):
+def hero_and_lever(game, colours):
     """The hero's middle from the lever's, once two looks agree (nobody moves); None while
-    either is out of view. At a scale below 1 the sprites show smaller: fewer pixels will do."""
+    either is out of view."""
     last = None
-    least = max(5, int(20 * scale * scale))
     for _ in range(40):
         image = game.screen()
-        hero = find(image, colours["hero"], minimum=least)
-        lever = find(image, colours["lever"], step=1, minimum=least)
+        hero = find(image, colours["hero"], minimum=20)
+        lever = find(image, colours["lever"], step=1, minimum=20)
         seen = None if hero is None or lever is None else (hero.x - lever.x, hero.y - lever.y)
         if seen and last and abs(seen[0] - last[0]) < 4 and abs(seen[1] - last[1]) < 4:
             return seen
@@ -107,22 +101,20 @@ def zoom(game, colours, at_rest):
 
 
 def widest_view(game, colours, rest):
-    """Follows the view out until it stops widening (the hero's size steady at its smallest);
-    returns that screen and how large the hero showed on it."""
-    sizes = []
-    shots = []
+    """Follows the view out until it turns back in; returns the widest screen seen and how large
+    the hero showed on it."""
+    widest = {"image": None, "size": 1.0}
 
-    def out_and_still():
+    def turned_back():
         image = game.screen()
         hero = find(image, colours["hero"], minimum=5)
-        sizes.append(0 if hero is None else hero.pixels / rest)
-        shots.append(image)
-        recent = sizes[-4:]
-        return (len(recent) == 4 and 0 < min(recent) and max(recent) < ZOOMED_OUT
-                and max(recent) - min(recent) < 0.05)
-    game.wait_until(out_and_still, "the view zoomed out during the ride and still",
-                    interval=0.2)
-    return shots[-1], sizes[-1]
+        size = 0 if hero is None else hero.pixels / rest
+        if 0 < size < widest["size"]:
+            widest.update(image=image, size=size)
+        return widest["size"] < ZOOMED_IN and size > widest["size"] + 0.08
+    game.wait_until(turned_back, "the view zooming out during the ride and back in",
+                    interval=0.05)
+    return widest["image"], widest["size"]
 
 
 def ride_up(game, keys, colours):
@@ -181,15 +173,16 @@ def main(binary):
             game.fail("the view zoomed out for the ride (the hero drawn at half size; he showed "
                       "at least %.2f of his size)" % wide)
         game.screenshot("elevator-ride", shot)
+        game.wait_until(lambda: zoom(game, colours, rest) > ZOOMED_IN,
+                        "the view zoomed back in after the ride (was at %.2f)" % wide)
 
         def at_the_top():
-            seen = hero_and_lever(game, colours, OUT)
-            return (seen and abs(seen[0] - OUT * CABIN_FROM_LEVER) < OUT * ON_DECK and
-                    seen[1] < OUT * (floor - DECK_RISE))
-        # Two looks agreeing in at_the_top: the cabin has stopped (the view is out: the hero's
-        # poses are too small to read).
+            seen = hero_and_lever(game, colours)
+            return (seen and abs(seen[0] - CABIN_FROM_LEVER) < ON_DECK and
+                    seen[1] < floor - DECK_RISE)
         game.wait_until(at_the_top, "the cabin at the top, the hero on its deck beside the top "
                         "lever")
+        game.wait_for_hero_at_rest()
         game.screenshot("elevator-top")
         deadline = time.time() + STAGE_DEADLINE
         with game.holding(keys["RIGHT"]):
