@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <map>
 #include <memory>
 #include <optional>
 #include <set>
@@ -13,6 +14,15 @@
 #include "app/game_state.h"
 #include "app/input.h"
 #include "enemies/enemies.h"
+#include "enemies/enemy_body.h"
+#include "enemies/flying_knight.h"
+#include "enemies/frog.h"
+#include "enemies/goddess.h"
+#include "enemies/king.h"
+#include "enemies/nomad.h"
+#include "enemies/plant.h"
+#include "enemies/slime.h"
+#include "enemies/trash.h"
 #include "interactables/chests.h"
 #include "menus/ending.h"
 #include "menus/settings_files.h"
@@ -87,7 +97,11 @@ const char* const kMoveNames[] = {"walk", "fall", "jump", "dash", "run", "ride"}
 // With OV_AUTOPLAY_TRACE set, a line every quarter second on stderr: how the player sees things.
 void Trace();
 
+void WatchKnights();
+extern std::map<int, float> knightAttacks;
+
 void Frame() {
+    WatchKnights();
     Trace();
     PollEvents(*app);
     if (GetGameState() == GAME_STATE_GAME) UpdateGame(*app->window, kStep);
@@ -138,36 +152,6 @@ sf::Vector2f Middle(const sf::FloatRect& r) {
     return {r.left + r.width / 2, r.top + r.height / 2};
 }
 
-// Whether the foe is winding up or swinging: its states that end in a blow.
-bool Attacking(const Foe& foe) {
-    int state = GetEnemyState(foe.index, foe.kind);
-    switch (foe.kind) {
-        case ENEMY_TRASH:
-        case ENEMY_SLIME:
-        case ENEMY_FLYING_KNIGHT: return state == 2;
-        case ENEMY_PLANT: return state == 1;
-        case ENEMY_FROG: return state == 1;
-        case ENEMY_NOMAD: return state == 2 || state == 3 || state == 5;
-        case ENEMY_KING: return state >= 2 && state <= 4;
-        case ENEMY_GODDESS: return state >= 1 && state <= 4;
-        default: return IsEnemyStriking(foe.index, foe.kind);
-    }
-}
-
-// A blow about to land: a foe attacking with an attack box at (or just short of) the body.
-bool BlowComing() {
-    sf::FloatRect body = PlayerBodyBounds();
-    body.left -= 50, body.width += 100, body.top -= 20, body.height += 20;
-    for (const Foe& foe : LivingFoes()) {
-        if (!Attacking(foe) && !IsEnemyStriking(foe.index, foe.kind)) continue;
-        int attacks = std::max(1, EnemyAttackCount(foe.index, foe.kind));
-        for (int a = 0; a < attacks; a++) {
-            if (GetEnemyAttackBox(foe.index, foe.kind, a).intersects(body)) return true;
-        }
-    }
-    return false;
-}
-
 // ---------------------------------------------------------------- the bot
 
 struct Flight {
@@ -207,10 +191,15 @@ void Trace() {
     for (const Foe& foe : LivingFoes()) {
         sf::Vector2f m = Middle(foe.box);
         if (std::abs(m.x - Feet().x) < 600) {
-            std::fprintf(stderr, " [kind %d at %d,%d state %d]", foe.kind, int(m.x), int(m.y),
-                         GetEnemyState(foe.index, foe.kind));
+            int* life = GetEnemyLife(foe.index, foe.kind);
+            std::fprintf(stderr, " [kind %d at %d,%d state %d life %d box %d-%d]", foe.kind,
+                         int(m.x), int(m.y), GetEnemyState(foe.index, foe.kind), life ? *life : 0,
+                         int(foe.box.left), int(foe.box.left + foe.box.width));
         }
     }
+    sf::FloatRect blade = PlacePlayerAttackBox();
+    std::fprintf(stderr, " blade %d-%d,%d-%d", int(blade.left), int(blade.left + blade.width),
+                 int(blade.top), int(blade.top + blade.height));
     if (bot.flight.active) {
         const ReachStep& s = bot.flight.step;
         std::fprintf(stderr, " flying %s dir %d hold %d-%d%s%s to [%d,%d] t %d",
@@ -233,6 +222,7 @@ void LoadRoomMap() {
     bot.map = std::make_unique<ReachMap>(CurrentRoom(), Margin::kWeaker);
     bot.route.clear();
     bot.flight = Flight();
+    knightAttacks.clear();
 }
 
 bool Busy() {
@@ -371,7 +361,126 @@ void FlyOn() {
 
 // ---------------------------------------------------------------- fighting
 
-// Fights the nearest enemy on the hero's level; false when there is none worth fighting.
+// The parry is raised this long before a blow's damage frame (it holds 0.3 s).
+constexpr float kParryLead = 0.2f;
+// No swing is started when a blow lands sooner than this: the light cut's damage frame comes
+// 0.125 s after the press, and the parry may cancel the swing only after it.
+constexpr float kSwingTime = 0.3f;
+
+const EnemyKindOps& Ops(int kind) {
+    switch (kind) {
+        case ENEMY_FROG: return FrogKind();
+        case ENEMY_KING: return KingKind();
+        case ENEMY_NOMAD: return NomadKind();
+        case ENEMY_TRASH: return TrashKind();
+        case ENEMY_SLIME: return SlimeKind();
+        case ENEMY_PLANT: return PlantKind();
+        case ENEMY_FLYING_KNIGHT: return FlyingKnightKind();
+        default: return GoddessKind();
+    }
+}
+
+// The Flying Knight's sword has clips of its own: its cut is the sheet's second row, at 12
+// frames a second, and lands on the third and the fifth frame. The plunge rises over the hero
+// for a second, then drops for two and strikes in the drop's last tenth.
+constexpr int kKnightCutFrames[] = {3, 5};
+constexpr float kKnightCutRate = 12;
+constexpr float kKnightPlungeStrike = 1 + 2 * 0.9f;
+
+// When the Flying Knights' attacks under way began, by knight.
+std::map<int, float> knightAttacks;
+
+void WatchKnights() {
+    for (int i = 0; i < EnemyCount(ENEMY_FLYING_KNIGHT); i++) {
+        if (GetEnemyState(i, ENEMY_FLYING_KNIGHT) != KNIGHT_ATTACK) {
+            knightAttacks.erase(i);
+        } else if (!knightAttacks.count(i)) {
+            knightAttacks[i] = playClock;
+        }
+    }
+}
+
+std::optional<float> KnightBlow(const Foe& foe) {
+    const EnemyBody& body = Ops(foe.kind).body(foe.index);
+    if (body.state != KNIGHT_ATTACK || !body.armed) return std::nullopt;
+    if (FlyingKnightAttackKind(foe.index) == KNIGHT_PLUNGE) {
+        auto start = knightAttacks.find(foe.index);
+        if (start == knightAttacks.end()) return std::nullopt;
+        return std::max(0.0f, start->second + kKnightPlungeStrike - playClock);
+    }
+    sf::IntRect frame = FlyingKnightSword(foe.index).getTextureRect();
+    if (frame.top != frame.height || frame.width <= 0) return std::nullopt;  // not cutting yet
+    int shown = frame.left / frame.width + 1;
+    for (int cut : kKnightCutFrames) {
+        if (cut >= shown) return float(cut - shown) / kKnightCutRate;
+    }
+    return std::nullopt;
+}
+
+// Seconds until the foe's armed attack reaches its damage frame (0 while on it); nothing when
+// no blow of its clip is coming.
+std::optional<float> UntilBlow(const Foe& foe) {
+    if (foe.kind == ENEMY_FLYING_KNIGHT) return KnightBlow(foe);
+    const EnemyBody& body = Ops(foe.kind).body(foe.index);
+    size_t clip = size_t(body.current);
+    if (!body.armed || clip >= body.damageFrames.size() || body.damageFrames[clip] <= 0) {
+        return std::nullopt;
+    }
+    const Animation& shown = CurrentClip(body);
+    int frame = shown.currentFrame + 1, damage = body.damageFrames[clip];
+    if (frame > damage || shown.finished || shown.frameRate == 0) return std::nullopt;
+    if (frame == damage) return 0.0f;
+    return float(damage - frame) / float(shown.frameRate) - shown.timer;
+}
+
+// A parryable attack of the foe is at the hero's body, or just short of it.
+bool ParryableAtBody(const Foe& foe) {
+    if (foe.kind == ENEMY_FLYING_KNIGHT && FlyingKnightAttackKind(foe.index) == KNIGHT_PLUNGE) {
+        return std::abs(FlyingKnightSword(foe.index).getPosition().x - HeroX()) < 120;
+    }
+    sf::FloatRect body = PlayerBodyBounds();
+    body.left -= 50, body.width += 100, body.top -= 20, body.height += 20;
+    int attacks = std::max(1, EnemyAttackCount(foe.index, foe.kind));
+    for (int a = 0; a < attacks; a++) {
+        if (Ops(foe.kind).blow(foe.index, a).parryable &&
+            GetEnemyAttackBox(foe.index, foe.kind, a).intersects(body)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+// The soonest parryable blow coming at the hero, in seconds.
+std::optional<float> NextBlow() {
+    std::optional<float> soonest;
+    for (const Foe& foe : LivingFoes()) {
+        std::optional<float> when = UntilBlow(foe);
+        if (!when && IsEnemyStriking(foe.index, foe.kind)) when = 0.0f;
+        if (when && ParryableAtBody(foe) && (!soonest || *when < *soonest)) soonest = when;
+    }
+    return soonest;
+}
+
+void RaiseParry() {
+    const Player& player = GetPlayer();
+    Steer(0);
+    if (player.body.state != PLAYER_PARRY &&
+        player.parryCooldownTimer >= player.tuning.parryCooldown) {
+        TapKey(Key(BINDING_PARRY));
+    }
+}
+
+// The blade covers the middle of the foe's body.
+bool InReach(const Foe& foe) {
+    sf::FloatRect blade = PlacePlayerAttackBox();
+    sf::Vector2f middle = Middle(foe.box);
+    float y = std::clamp(middle.y, foe.box.top, foe.box.top + foe.box.height);
+    y = std::clamp(y, blade.top, blade.top + blade.height);
+    return blade.contains(middle.x, y) && foe.box.intersects(blade);
+}
+
+// Fights the nearest enemy on the hero's level (any, when `seek`); false when there is none
+// worth fighting. Parries the blows coming, strikes when no blow lands before the cut.
 bool Fight(bool seek) {
     sf::FloatRect body = PlayerBodyBounds();
     sf::Vector2f me = Middle(body);
@@ -389,38 +498,34 @@ bool Fight(bool seek) {
     }
     if (!nearest) return false;
     const Player& player = GetPlayer();
-    if (BlowComing()) {
-        Steer(0);
-        if (player.parryCooldownTimer >= player.tuning.parryCooldown) {
-            TapKey(Key(BINDING_PARRY));
-        }
+    std::optional<float> blow = NextBlow();
+    if (blow && *blow <= kParryLead) {
+        RaiseParry();
         return true;
     }
-    float dx = Middle(nearest->box).x - me.x;
-    int dir = dx > 0 ? 1 : -1;
-    bool melee = nearest->kind == ENEMY_TRASH || nearest->kind == ENEMY_NOMAD ||
-                 nearest->kind == ENEMY_KING || nearest->kind == ENEMY_FLYING_KNIGHT;
-    if (melee && Attacking(*nearest) && std::abs(dx) < 400) {
-        Steer(0);  // wait for the swing to pass, ready to parry
-        return true;
-    }
-    if (PlacePlayerAttackBox().intersects(nearest->box)) {
+    if (InReach(*nearest)) {
         Steer(0);
-        if (bot.attackWait-- <= 0) {
+        if ((!blow || *blow > kSwingTime) && bot.attackWait-- <= 0) {
             Attack();
             bot.attackWait = 6;
         }
         return true;
     }
+    float dx = Middle(nearest->box).x - me.x;
+    int dir = dx > 0 ? 1 : -1;
+    if (blow && *blow < kSwingTime + 0.3f) {
+        Steer(0);  // wait for the blow, ready to parry
+        return true;
+    }
+    // A step or a wall between: the route planner takes over.
+    if (player.body.blocked[dir > 0 ? CONTACT_RIGHT : CONTACT_LEFT]) return false;
     if (PlayerFacingRight() != (dir > 0) && std::abs(dx) > 30) {
-        if (player.body.blocked[dir > 0 ? CONTACT_RIGHT : CONTACT_LEFT]) return false;
         Steer(dir);
         return true;
     }
     // Step closer while the floor goes on that way.
-    auto ahead = bot.map->PlaceAt(Feet() + sf::Vector2f(float(dir) * 60, 0));
-    if (!ahead) return false;
-    Steer(ahead ? dir : 0);
+    if (!bot.map->PlaceAt(Feet() + sf::Vector2f(float(dir) * 60, 0))) return false;
+    Steer(dir);
     return true;
 }
 
@@ -597,7 +702,8 @@ std::string PlayGoal(const AutoplayGoal& goal, float deadline, float roomStart) 
             Steer(0);
             int state = GetPlayer().body.state;
             bool swinging = state >= PLAYER_LIGHT_ATTACK_1 && state <= PLAYER_LIGHT_ATTACK_3;
-            if (swinging && BlowComing()) TapKey(Key(BINDING_PARRY));
+            std::optional<float> blow = NextBlow();
+            if (swinging && blow && *blow <= kParryLead) TapKey(Key(BINDING_PARRY));
             Frame();
             continue;
         }
@@ -649,6 +755,7 @@ std::string PlayGoal(const AutoplayGoal& goal, float deadline, float roomStart) 
 
 void StartAutoplayer(AppWindow& window) {
     app = &window;
+    knightAttacks.clear();
     playClock = 0;
     held.clear();
     bot = Bot();
@@ -685,6 +792,21 @@ std::string AutoplayEnding(float seconds) {
         Frame();
     }
     return "";
+}
+
+void AutoplayEnterRoom(int room, int fromRoom, int abilities) {
+    ::Abilities& owned = Save().abilities;
+    owned.canDash = (abilities & REACH_DASH) != 0;
+    owned.canRun = (abilities & REACH_RUN) != 0;
+    owned.CanCreatePlatform = (abilities & REACH_CLOUD) != 0;
+    CleanupRoom();
+    LoadNextTargetRoom(*app->window, room);
+    int door = DoorTo(fromRoom);
+    for (const DoorSpawn& spawn : CurrentRoom().doorSpawns) {
+        if (spawn.linkedDoorId == door) SetPlayerPosition(spawn.position);
+    }
+    bot = Bot();
+    for (int i = 0; i < 30; i++) Frame();
 }
 
 float AutoplayClock() {
