@@ -475,8 +475,17 @@ bool InReach(const Foe& foe) {
     sf::FloatRect blade = PlacePlayerAttackBox();
     sf::Vector2f middle = Middle(foe.box);
     float y = std::clamp(middle.y, foe.box.top, foe.box.top + foe.box.height);
-    y = std::clamp(y, blade.top, blade.top + blade.height);
+    y = std::clamp(y, blade.top, blade.top + blade.height - 1);
     return blade.contains(middle.x, y) && foe.box.intersects(blade);
+}
+
+// The floor the hero stands on ends less than a step behind him (facing `dir`).
+bool EdgeBehind(int dir) {
+    sf::Vector2f below = Feet() + sf::Vector2f(-float(dir) * 50, 4);
+    for (const Collision& collision : CurrentRoom().collisions) {
+        if (collision.active && collision.shape->getGlobalBounds().contains(below)) return false;
+    }
+    return true;
 }
 
 // Fights the nearest enemy on the hero's level (any, when `seek`); false when there is none
@@ -503,6 +512,13 @@ bool Fight(bool seek) {
         RaiseParry();
         return true;
     }
+    float dx = Middle(nearest->box).x - me.x;
+    int dir = dx > 0 ? 1 : -1;
+    // Parries and hits push the hero back: off a ledge's edge he steps in again first.
+    if (EdgeBehind(dir) && !player.body.blocked[dir > 0 ? CONTACT_RIGHT : CONTACT_LEFT]) {
+        Steer(dir);
+        return true;
+    }
     if (InReach(*nearest)) {
         Steer(0);
         if ((!blow || *blow > kSwingTime) && bot.attackWait-- <= 0) {
@@ -511,8 +527,6 @@ bool Fight(bool seek) {
         }
         return true;
     }
-    float dx = Middle(nearest->box).x - me.x;
-    int dir = dx > 0 ? 1 : -1;
     if (blow && *blow < kSwingTime + 0.3f) {
         Steer(0);  // wait for the blow, ready to parry
         return true;
