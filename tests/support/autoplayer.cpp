@@ -433,8 +433,109 @@ std::optional<float> UntilBlow(const Foe& foe) {
     return float(damage - frame) / float(shown.frameRate) - shown.timer;
 }
 
+// The floor the hero stands on ends less than a step behind him (facing `dir`).
+bool EdgeBehind(int dir) {
+    sf::Vector2f below = Feet() + sf::Vector2f(-float(dir) * 50, 4);
+    for (const Collision& collision : CurrentRoom().collisions) {
+        if (collision.active && collision.shape->getGlobalBounds().contains(below)) return false;
+    }
+    return true;
+}
+
+int ClipFrame(const Foe& foe) {
+    return CurrentClip(Ops(foe.kind).body(foe.index)).currentFrame + 1;
+}
+
+// The King's dash crosses the arena on its damage frame: all of it ahead of him is in its way.
+bool InKingsDash(const Foe& foe) {
+    if (GetEnemyState(foe.index, foe.kind) != KING_DASH_ATTACK) return false;
+    sf::Vector2f king = Middle(foe.box);
+    bool right = GetEnemySprite(foe.index, foe.kind)->getScale().x < 0;  // drawn facing left
+    return (HeroX() > king.x) == right && std::abs(HeroX() - king.x) < 1200;
+}
+
+// The King's leap: in the air (the two frames before the landing's) it comes down on the aim
+// taken at the take-off, across six tenths of his sprite's width.
+std::optional<float> KingLanding(const Foe& foe) {
+    if (GetEnemyState(foe.index, foe.kind) != KING_JUMP_ATTACK) return std::nullopt;
+    int landing = Ops(foe.kind).body(foe.index).damageFrames[KING_JUMP_ATTACK];
+    int frame = ClipFrame(foe);
+    if (frame < landing - 2 || frame > landing) return std::nullopt;
+    return KingJumpAim(foe.index).x;
+}
+
+constexpr float kLightningHalfWidth = 75;
+
+// The Goddess's lightning falls where she stood on the move's damage frame, a column of its
+// width over the lawn.
+std::optional<float> GoddessLightning(const Foe& foe) {
+    GoddessStatus status = GetGoddessStatus(foe.index);
+    if (status.state != GODDESS_LIGHTNING) return std::nullopt;
+    const EnemyBody& body = Ops(foe.kind).body(foe.index);
+    if (body.current != GODDESS_LIGHTNING ||
+        ClipFrame(foe) < body.damageFrames[GODDESS_LIGHTNING]) {
+        return std::nullopt;
+    }
+    return status.lightningPoint.x;
+}
+
+// The beam between the Goddess's sparks burns a band across the garden, from her spawn's height
+// up; it may come whenever the sparks have reached the garden's sides.
+constexpr float kBeamBand = 200;
+bool BeamComing(const Foe& foe) {
+    GoddessStatus status = GetGoddessStatus(foe.index);
+    return status.sparksArrived || status.beamOn;
+}
+
+// The places where the hero stands clear above the beam's band.
+std::vector<Place> AboveTheBeam(const Foe& foe) {
+    float bandTop = Middle(foe.box).y;
+    for (const EnemySpawn& spawn : CurrentRoom().enemySpawns) {
+        if (spawn.enemyType == ENEMY_GODDESS) bandTop = spawn.position.y - kBeamBand;
+    }
+    std::vector<Place> above;
+    for (Place place : bot.map->Places()) {
+        if (bot.map->FeetAt(place).y < bandTop - 8) above.push_back(place);
+    }
+    return above;
+}
+
+// Where to step out of a blow that cannot be parried (-1 or 1), or 0 when none is coming.
+int DodgeDir() {
+    for (const Foe& foe : LivingFoes()) {
+        if (std::optional<float> bolt = GoddessLightning(foe)) {
+            float clear = kLightningHalfWidth + PlayerBodyBounds().width / 2 + 40;
+            if (std::abs(HeroX() - *bolt) >= clear) continue;
+            int away = HeroX() >= *bolt ? 1 : -1;
+            return EdgeBehind(-away) ? -away : away;  // not off a terrace
+        }
+        if (foe.kind != ENEMY_KING) continue;
+        std::optional<float> aim = KingLanding(foe);
+        if (!aim) continue;
+        float clear = GetEnemySprite(foe.index, foe.kind)->getGlobalBounds().width * 0.3f +
+                      PlayerBodyBounds().width / 2 + 60;
+        if (std::abs(HeroX() - *aim) >= clear) continue;
+        // Away from the aim, or past it when a wall is close behind.
+        int away = HeroX() >= *aim ? 1 : -1;
+        sf::FloatRect arena;
+        for (const EnemyContainer& c : CurrentRoom().enemyContainers) {
+            if (c.id == GetEnemyContainer(foe.index, foe.kind)) arena = c.shape->getGlobalBounds();
+        }
+        float room = away > 0 ? arena.left + arena.width - HeroX() : HeroX() - arena.left;
+        return room > clear ? away : -away;
+    }
+    return 0;
+}
+
+// The Goddess's lash is parryable only on its damage frame: its whole move counts, to see it come.
+bool Parryable(const Foe& foe, int attack) {
+    if (foe.kind == ENEMY_GODDESS) return GetEnemyState(foe.index, foe.kind) == GODDESS_WHIP;
+    return Ops(foe.kind).blow(foe.index, attack).parryable;
+}
+
 // A parryable attack of the foe is at the hero's body, or just short of it.
 bool ParryableAtBody(const Foe& foe) {
+    if (InKingsDash(foe)) return true;
     if (foe.kind == ENEMY_FLYING_KNIGHT && FlyingKnightAttackKind(foe.index) == KNIGHT_PLUNGE) {
         return std::abs(FlyingKnightSword(foe.index).getPosition().x - HeroX()) < 120;
     }
@@ -442,8 +543,7 @@ bool ParryableAtBody(const Foe& foe) {
     body.left -= 50, body.width += 100, body.top -= 20, body.height += 20;
     int attacks = std::max(1, EnemyAttackCount(foe.index, foe.kind));
     for (int a = 0; a < attacks; a++) {
-        if (Ops(foe.kind).blow(foe.index, a).parryable &&
-            GetEnemyAttackBox(foe.index, foe.kind, a).intersects(body)) {
+        if (Parryable(foe, a) && GetEnemyAttackBox(foe.index, foe.kind, a).intersects(body)) {
             return true;
         }
     }
@@ -479,18 +579,39 @@ bool InReach(const Foe& foe) {
     return blade.contains(middle.x, y) && foe.box.intersects(blade);
 }
 
-// The floor the hero stands on ends less than a step behind him (facing `dir`).
-bool EdgeBehind(int dir) {
-    sf::Vector2f below = Feet() + sf::Vector2f(-float(dir) * 50, 4);
-    for (const Collision& collision : CurrentRoom().collisions) {
-        if (collision.active && collision.shape->getGlobalBounds().contains(below)) return false;
+// Steps out of a blow that cannot be parried, parries one about to land; false when neither.
+bool Defend() {
+    if (int away = DodgeDir()) {
+        Steer(away);
+        return true;
     }
-    return true;
+    std::optional<float> blow = NextBlow();
+    if (blow && *blow <= kParryLead) {
+        RaiseParry();
+        return true;
+    }
+    return false;
+}
+
+// With the Goddess's beam coming, the place to wait it out on: the nearest clear above it.
+std::optional<Place> BeamRefuge() {
+    for (const Foe& foe : LivingFoes()) {
+        if (foe.kind != ENEMY_GODDESS || !BeamComing(foe)) continue;
+        std::optional<Place> best;
+        float bestDistance = 1e9f;
+        for (Place place : AboveTheBeam(foe)) {
+            sf::Vector2f off = bot.map->FeetAt(place) - Feet();
+            float distance = std::hypot(off.x, off.y);
+            if (distance < bestDistance) bestDistance = distance, best = place;
+        }
+        return best;
+    }
+    return std::nullopt;
 }
 
 // Fights the nearest enemy on the hero's level (any, when `seek`); false when there is none
 // worth fighting. Parries the blows coming, strikes when no blow lands before the cut.
-bool Fight(bool seek) {
+bool Fight(bool seek, bool hold = false) {
     sf::FloatRect body = PlayerBodyBounds();
     sf::Vector2f me = Middle(body);
     std::optional<Foe> nearest;
@@ -507,9 +628,14 @@ bool Fight(bool seek) {
     }
     if (!nearest) return false;
     const Player& player = GetPlayer();
+    if (Defend()) return true;
     std::optional<float> blow = NextBlow();
-    if (blow && *blow <= kParryLead) {
-        RaiseParry();
+    if (hold) {
+        Steer(0);
+        if (InReach(*nearest) && (!blow || *blow > kSwingTime) && bot.attackWait-- <= 0) {
+            Attack();
+            bot.attackWait = 6;
+        }
         return true;
     }
     float dx = Middle(nearest->box).x - me.x;
@@ -721,8 +847,15 @@ std::string PlayGoal(const AutoplayGoal& goal, float deadline, float roomStart) 
             Frame();
             continue;
         }
-        bool fought = goal.kind == AutoplayGoal::KILL ? Fight(true) : Fight(false);
-        if (!fought) {
+        std::optional<Place> refuge = goal.kind == AutoplayGoal::KILL ? BeamRefuge() : std::nullopt;
+        auto standing = bot.map->PlaceAt(Feet());
+        bool sheltered = refuge && standing && *standing == *refuge;
+        bool fought =
+            refuge && !sheltered ? Defend() : Fight(goal.kind == AutoplayGoal::KILL, sheltered);
+        if (refuge && !sheltered && !fought) {
+            if (!Navigate(*refuge, -1, "above the beam"))
+                return Stuck(goal, roomStart, "no way above the beam");
+        } else if (!fought) {
             bool known = true;
             auto place = GoalPlace(goal);
             auto here = bot.map->PlaceAt(Feet());
