@@ -188,6 +188,7 @@ void Trace() {
     std::fprintf(stderr, "%7.2f room %d at %s state %d life %d vy %.1f up %d foes %zu", playClock,
                  CurrentRoomNumber(), Where().c_str(), player.body.state, player.life,
                  player.body.vy, player.body.blocked[CONTACT_UP], LivingFoes().size());
+    std::fprintf(stderr, " potions %d", player.potions);
     for (const Foe& foe : LivingFoes()) {
         sf::Vector2f m = Middle(foe.box);
         if (std::abs(m.x - Feet().x) < 600) {
@@ -345,10 +346,12 @@ void FlyOn() {
         default: break;
     }
     // Coming down over the floor aimed at, the hands steer onto its middle: the real hero is a
-    // little faster than the planned one, and narrow branches forgive little.
+    // little faster than the planned one, and narrow branches forgive little. After a cloud, only
+    // once the jump off it is past its top.
     sf::Vector2f aim = bot.map->FeetAt(f.step.to);
     bool steerable = how.kind == ReachMove::JUMP || how.kind == ReachMove::FALL;
-    if (steerable && f.step.door < 0 && f.cloudAt < 0 && player.body.vy > 0 && t > 0 &&
+    bool offCloud = !how.cloud || (f.cloudAt >= 0 && t > f.cloudAt + 8);
+    if (steerable && f.step.door < 0 && offCloud && player.body.vy > 0 && t > 0 &&
         Feet().y < aim.y - 8) {
         float off = aim.x - HeroX();
         Steer(std::abs(off) > 14 ? (off > 0 ? 1 : -1) : 0);
@@ -493,21 +496,47 @@ std::vector<Place> AboveTheBeam(const Foe& foe) {
     for (const EnemySpawn& spawn : CurrentRoom().enemySpawns) {
         if (spawn.enemyType == ENEMY_GODDESS) bandTop = spawn.position.y - kBeamBand;
     }
-    std::vector<Place> above;
+    std::vector<Place> above, roomy;
     for (Place place : bot.map->Places()) {
         if (bot.map->FeetAt(place).y < bandTop - 8) above.push_back(place);
     }
-    return above;
+    // A tile of floor either side leaves room to step out of the lightning without falling.
+    auto has = [&](Place place) {
+        return std::find(above.begin(), above.end(), place) != above.end();
+    };
+    for (Place place : above) {
+        if (has({place.column - 1, place.row}) && has({place.column + 1, place.row})) {
+            roomy.push_back(place);
+        }
+    }
+    return roomy.empty() ? above : roomy;
+}
+
+// The Goddess is lashing or about to: a flight now would meet the lash in the air, where it
+// cannot be parried.
+bool LashComing() {
+    for (const Foe& foe : LivingFoes()) {
+        if (foe.kind == ENEMY_GODDESS && GetGoddessStatus(foe.index).state == GODDESS_WHIP) {
+            return true;
+        }
+    }
+    return false;
 }
 
 // Where to step out of a blow that cannot be parried (-1 or 1), or 0 when none is coming.
 int DodgeDir() {
     for (const Foe& foe : LivingFoes()) {
         if (std::optional<float> bolt = GoddessLightning(foe)) {
-            float clear = kLightningHalfWidth + PlayerBodyBounds().width / 2 + 40;
+            float clear = kLightningHalfWidth + PlayerBodyBounds().width / 2 + 16;
             if (std::abs(HeroX() - *bolt) >= clear) continue;
+            // Away from the bolt, onto the side whose floor goes on under the feet past its reach.
             int away = HeroX() >= *bolt ? 1 : -1;
-            return EdgeBehind(-away) ? -away : away;  // not off a terrace
+            auto floorAt = [&](int dir) {
+                float x = *bolt + float(dir) * (clear + 8);
+                auto place = bot.map->PlaceAt({x, Feet().y});
+                return place && std::abs(bot.map->FeetAt(*place).x - x) <= kTile / 2;
+            };
+            return floorAt(away) || !floorAt(-away) ? away : -away;
         }
         if (foe.kind != ENEMY_KING) continue;
         std::optional<float> aim = KingLanding(foe);
@@ -591,6 +620,16 @@ bool Defend() {
         return true;
     }
     return false;
+}
+
+// A potion fills the life up to the top of its segment (40, 70, 100): drunk just past a segment's
+// bottom it gives the most, and only with no blow about to land.
+constexpr int kDrinkBelow = 46;
+bool ShouldDrink() {
+    const Player& player = GetPlayer();
+    if (player.potions <= 0 || player.life >= kDrinkBelow || DodgeDir() != 0) return false;
+    std::optional<float> blow = NextBlow();
+    return !blow || *blow > kSwingTime;
 }
 
 // With the Goddess's beam coming, the place to wait it out on: the nearest clear above it.
@@ -721,6 +760,10 @@ bool Navigate(Place goal, int door, const std::string& goalName) {
     float takeOff = how.drop ? bot.map->FeetAt(step.from).x : bot.map->TakeOffX(step.from, how.dir);
     float ahead = (takeOff - x) * float(how.dir);
     if (how.drop ? std::abs(takeOff - x) < 30 : (ahead <= 12 && ahead >= -10)) {
+        if (LashComing()) {
+            Steer(0);
+            return true;
+        }
         if (how.kind != ReachMove::JUMP && how.kind != ReachMove::RUN_JUMP) Steer(0);
         StartFlight(step, takeOff);
         FlyOn();
@@ -839,7 +882,7 @@ std::string PlayGoal(const AutoplayGoal& goal, float deadline, float roomStart) 
             continue;
         }
         if (!OnGround()) {
-            Steer(0);
+            Steer(DodgeDir());
             int state = GetPlayer().body.state;
             bool swinging = state >= PLAYER_LIGHT_ATTACK_1 && state <= PLAYER_LIGHT_ATTACK_3;
             std::optional<float> blow = NextBlow();
@@ -847,6 +890,7 @@ std::string PlayGoal(const AutoplayGoal& goal, float deadline, float roomStart) 
             Frame();
             continue;
         }
+        if (ShouldDrink()) TapKey(Key(BINDING_HEAL));
         std::optional<Place> refuge = goal.kind == AutoplayGoal::KILL ? BeamRefuge() : std::nullopt;
         auto standing = bot.map->PlaceAt(Feet());
         bool sheltered = refuge && standing && *standing == *refuge;
@@ -930,15 +974,17 @@ std::string AutoplayRoomGoals(const AutoplayRoom& plan) {
 std::string AutoplayEnding(float seconds) {
     ReleaseAll();
     float deadline = playClock + seconds;
+    bool shown = false;  // the ending's own screen, not just any way back to the menu
     while (GetGameState() == GAME_STATE_GAME) {
         if (playClock > deadline) {
             return std::string("the ending did not reach the title menu in ") +
                    std::to_string(int(seconds)) + " s (" +
                    (EndingRunning() ? "the ending runs" : "no ending") + ")";
         }
+        shown = shown || EndingScreenShown();
         Frame();
     }
-    return "";
+    return shown ? "" : "the game left for the title menu without its ending";
 }
 
 void AutoplayEnterRoom(int room, int fromRoom, int abilities) {
