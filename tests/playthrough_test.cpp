@@ -23,21 +23,18 @@ const std::vector<AutoplayRoom> kRoute = {
     {4, {{G::DOOR, 3}}, 60},
     {10, {{G::KILL, 0}, {G::DOOR, 1}}, 150},
     {11, {{G::DOOR, 1}}, 60},
-    {12, {{G::DOOR, 1}}, 90},
+    {12, {{G::STATUE, 0}, {G::DOOR, 1}}, 90},
     {13, {{G::STATUE, 0}, {G::DOOR, 1}}, 90},
     {14, {{G::DOOR, 1}}, 60},
     {15, {{G::CHEST, 0}, {G::DOOR, 1}}, 120},
     {16, {{G::STATUE, 0}, {G::DOOR, 1}}, 120},
     {17, {{G::KILL, 0}, {G::DOOR, 1}}, 150},
     {19, {{G::DOOR, 2}}, 60},
-    {20, {{G::DOOR, 1}}, 60},
+    {20, {{G::STATUE, 0}, {G::DOOR, 1}}, 60},
     {21, {{G::KILL, 0}, {G::DOOR, 1}}, 150},
     {22, {{G::DOOR, 1}}, 90},
-    {23, {{G::KILL, 0}}, 150},
+    {23, {{G::STATUE, 0}, {G::KILL, 0}}, 600},
 };
-
-// How many rooms of the route the player is known to get through.
-constexpr size_t kRoomsPlayed = 6;
 
 // A new game from the title menu, its rooms' random draws fixed.
 class Playthrough : public AppTest {
@@ -61,11 +58,27 @@ TEST_F(Playthrough, TheScriptedPlayerFollowsTheCriticalPathToTheEnd) {
     testing::internal::CaptureStdout();
     std::string fault;
     size_t played = 0;
-    for (; played < kRoomsPlayed && played < kRoute.size() && fault.empty(); played++) {
+    // OV_PLAYTHROUGH_FROM=<leg> starts at that leg of the route, to work on a later stretch.
+    const char* from = std::getenv("OV_PLAYTHROUGH_FROM");
+    if (from && std::atoi(from) > 0 && size_t(std::atoi(from)) < kRoute.size()) {
+        played = size_t(std::atoi(from));
+        int abilities = 0, chests = 0;
+        for (size_t leg = 0; leg < played; leg++) {
+            for (const AutoplayGoal& goal : kRoute[leg].goals) {
+                if (goal.kind == G::CHEST) abilities |= 1 << chests++;  // dash, run, cloud
+            }
+        }
+        AutoplayEnterRoom(kRoute[played].room, kRoute[played - 1].room, abilities);
+    }
+    for (; played < kRoute.size() && fault.empty(); played++) {
         fault = AutoplayRoomGoals(kRoute[played]);
+        if (!fault.empty()) break;
     }
     if (fault.empty() && played == kRoute.size()) fault = AutoplayEnding(120);
     testing::internal::GetCapturedStdout();
-    EXPECT_EQ(fault, "") << "after " << played << " rooms of the route, " << AutoplayClock()
-                         << " s of play";
+    std::string where = played < kRoute.size()
+                            ? "on leg " + std::to_string(played + 1) + " of the route's " +
+                                  std::to_string(kRoute.size())
+                            : std::string("in the ending");
+    EXPECT_EQ(fault, "") << where << ", after " << AutoplayClock() << " s of play";
 }

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <map>
 #include <memory>
 #include <optional>
 #include <set>
@@ -13,6 +14,15 @@
 #include "app/game_state.h"
 #include "app/input.h"
 #include "enemies/enemies.h"
+#include "enemies/enemy_body.h"
+#include "enemies/flying_knight.h"
+#include "enemies/frog.h"
+#include "enemies/goddess.h"
+#include "enemies/king.h"
+#include "enemies/nomad.h"
+#include "enemies/plant.h"
+#include "enemies/slime.h"
+#include "enemies/trash.h"
 #include "interactables/chests.h"
 #include "menus/ending.h"
 #include "menus/settings_files.h"
@@ -87,7 +97,11 @@ const char* const kMoveNames[] = {"walk", "fall", "jump", "dash", "run", "ride"}
 // With OV_AUTOPLAY_TRACE set, a line every quarter second on stderr: how the player sees things.
 void Trace();
 
+void WatchKnights();
+extern std::map<int, float> knightAttacks;
+
 void Frame() {
+    WatchKnights();
     Trace();
     PollEvents(*app);
     if (GetGameState() == GAME_STATE_GAME) UpdateGame(*app->window, kStep);
@@ -138,36 +152,6 @@ sf::Vector2f Middle(const sf::FloatRect& r) {
     return {r.left + r.width / 2, r.top + r.height / 2};
 }
 
-// Whether the foe is winding up or swinging: its states that end in a blow.
-bool Attacking(const Foe& foe) {
-    int state = GetEnemyState(foe.index, foe.kind);
-    switch (foe.kind) {
-        case ENEMY_TRASH:
-        case ENEMY_SLIME:
-        case ENEMY_FLYING_KNIGHT: return state == 2;
-        case ENEMY_PLANT: return state == 1;
-        case ENEMY_FROG: return state == 1;
-        case ENEMY_NOMAD: return state == 2 || state == 3 || state == 5;
-        case ENEMY_KING: return state >= 2 && state <= 4;
-        case ENEMY_GODDESS: return state >= 1 && state <= 4;
-        default: return IsEnemyStriking(foe.index, foe.kind);
-    }
-}
-
-// A blow about to land: a foe attacking with an attack box at (or just short of) the body.
-bool BlowComing() {
-    sf::FloatRect body = PlayerBodyBounds();
-    body.left -= 50, body.width += 100, body.top -= 20, body.height += 20;
-    for (const Foe& foe : LivingFoes()) {
-        if (!Attacking(foe) && !IsEnemyStriking(foe.index, foe.kind)) continue;
-        int attacks = std::max(1, EnemyAttackCount(foe.index, foe.kind));
-        for (int a = 0; a < attacks; a++) {
-            if (GetEnemyAttackBox(foe.index, foe.kind, a).intersects(body)) return true;
-        }
-    }
-    return false;
-}
-
 // ---------------------------------------------------------------- the bot
 
 struct Flight {
@@ -204,13 +188,19 @@ void Trace() {
     std::fprintf(stderr, "%7.2f room %d at %s state %d life %d vy %.1f up %d foes %zu", playClock,
                  CurrentRoomNumber(), Where().c_str(), player.body.state, player.life,
                  player.body.vy, player.body.blocked[CONTACT_UP], LivingFoes().size());
+    std::fprintf(stderr, " potions %d", player.potions);
     for (const Foe& foe : LivingFoes()) {
         sf::Vector2f m = Middle(foe.box);
         if (std::abs(m.x - Feet().x) < 600) {
-            std::fprintf(stderr, " [kind %d at %d,%d state %d]", foe.kind, int(m.x), int(m.y),
-                         GetEnemyState(foe.index, foe.kind));
+            int* life = GetEnemyLife(foe.index, foe.kind);
+            std::fprintf(stderr, " [kind %d at %d,%d state %d life %d box %d-%d]", foe.kind,
+                         int(m.x), int(m.y), GetEnemyState(foe.index, foe.kind), life ? *life : 0,
+                         int(foe.box.left), int(foe.box.left + foe.box.width));
         }
     }
+    sf::FloatRect blade = PlacePlayerAttackBox();
+    std::fprintf(stderr, " blade %d-%d,%d-%d", int(blade.left), int(blade.left + blade.width),
+                 int(blade.top), int(blade.top + blade.height));
     if (bot.flight.active) {
         const ReachStep& s = bot.flight.step;
         std::fprintf(stderr, " flying %s dir %d hold %d-%d%s%s to [%d,%d] t %d",
@@ -233,6 +223,7 @@ void LoadRoomMap() {
     bot.map = std::make_unique<ReachMap>(CurrentRoom(), Margin::kWeaker);
     bot.route.clear();
     bot.flight = Flight();
+    knightAttacks.clear();
 }
 
 bool Busy() {
@@ -355,10 +346,12 @@ void FlyOn() {
         default: break;
     }
     // Coming down over the floor aimed at, the hands steer onto its middle: the real hero is a
-    // little faster than the planned one, and narrow branches forgive little.
+    // little faster than the planned one, and narrow branches forgive little. After a cloud, only
+    // once the jump off it is past its top.
     sf::Vector2f aim = bot.map->FeetAt(f.step.to);
     bool steerable = how.kind == ReachMove::JUMP || how.kind == ReachMove::FALL;
-    if (steerable && f.step.door < 0 && f.cloudAt < 0 && player.body.vy > 0 && t > 0 &&
+    bool offCloud = !how.cloud || (f.cloudAt >= 0 && t > f.cloudAt + 8);
+    if (steerable && f.step.door < 0 && offCloud && player.body.vy > 0 && t > 0 &&
         Feet().y < aim.y - 8) {
         float off = aim.x - HeroX();
         Steer(std::abs(off) > 14 ? (off > 0 ? 1 : -1) : 0);
@@ -371,8 +364,293 @@ void FlyOn() {
 
 // ---------------------------------------------------------------- fighting
 
-// Fights the nearest enemy on the hero's level; false when there is none worth fighting.
-bool Fight(bool seek) {
+// The parry is raised this long before a blow's damage frame (it holds 0.3 s).
+constexpr float kParryLead = 0.2f;
+// No swing is started when a blow lands sooner than this: the light cut's damage frame comes
+// 0.125 s after the press, and the parry may cancel the swing only after it.
+constexpr float kSwingTime = 0.3f;
+
+const EnemyKindOps& Ops(int kind) {
+    switch (kind) {
+        case ENEMY_FROG: return FrogKind();
+        case ENEMY_KING: return KingKind();
+        case ENEMY_NOMAD: return NomadKind();
+        case ENEMY_TRASH: return TrashKind();
+        case ENEMY_SLIME: return SlimeKind();
+        case ENEMY_PLANT: return PlantKind();
+        case ENEMY_FLYING_KNIGHT: return FlyingKnightKind();
+        default: return GoddessKind();
+    }
+}
+
+// The Flying Knight's sword has clips of its own: its cut is the sheet's second row, at 12
+// frames a second, and lands on the third and the fifth frame. The plunge rises over the hero
+// for a second, then drops for two and strikes in the drop's last tenth.
+constexpr int kKnightCutFrames[] = {3, 5};
+constexpr float kKnightCutRate = 12;
+constexpr float kKnightPlungeStrike = 1 + 2 * 0.9f;
+
+// When the Flying Knights' attacks under way began, by knight.
+std::map<int, float> knightAttacks;
+
+void WatchKnights() {
+    for (int i = 0; i < EnemyCount(ENEMY_FLYING_KNIGHT); i++) {
+        if (GetEnemyState(i, ENEMY_FLYING_KNIGHT) != KNIGHT_ATTACK) {
+            knightAttacks.erase(i);
+        } else if (!knightAttacks.count(i)) {
+            knightAttacks[i] = playClock;
+        }
+    }
+}
+
+std::optional<float> KnightBlow(const Foe& foe) {
+    const EnemyBody& body = Ops(foe.kind).body(foe.index);
+    if (body.state != KNIGHT_ATTACK || !body.armed) return std::nullopt;
+    if (FlyingKnightAttackKind(foe.index) == KNIGHT_PLUNGE) {
+        auto start = knightAttacks.find(foe.index);
+        if (start == knightAttacks.end()) return std::nullopt;
+        return std::max(0.0f, start->second + kKnightPlungeStrike - playClock);
+    }
+    sf::IntRect frame = FlyingKnightSword(foe.index).getTextureRect();
+    if (frame.top != frame.height || frame.width <= 0) return std::nullopt;  // not cutting yet
+    int shown = frame.left / frame.width + 1;
+    for (int cut : kKnightCutFrames) {
+        if (cut >= shown) return float(cut - shown) / kKnightCutRate;
+    }
+    return std::nullopt;
+}
+
+// Seconds until the foe's armed attack reaches its damage frame (0 while on it); nothing when
+// no blow of its clip is coming.
+std::optional<float> UntilBlow(const Foe& foe) {
+    if (foe.kind == ENEMY_FLYING_KNIGHT) return KnightBlow(foe);
+    const EnemyBody& body = Ops(foe.kind).body(foe.index);
+    size_t clip = size_t(body.current);
+    if (!body.armed || clip >= body.damageFrames.size() || body.damageFrames[clip] <= 0) {
+        return std::nullopt;
+    }
+    const Animation& shown = CurrentClip(body);
+    int frame = shown.currentFrame + 1, damage = body.damageFrames[clip];
+    if (frame > damage || shown.finished || shown.frameRate == 0) return std::nullopt;
+    if (frame == damage) return 0.0f;
+    return float(damage - frame) / float(shown.frameRate) - shown.timer;
+}
+
+// The floor the hero stands on ends less than a step behind him (facing `dir`).
+bool EdgeBehind(int dir) {
+    sf::Vector2f below = Feet() + sf::Vector2f(-float(dir) * 50, 4);
+    for (const Collision& collision : CurrentRoom().collisions) {
+        if (collision.active && collision.shape->getGlobalBounds().contains(below)) return false;
+    }
+    return true;
+}
+
+int ClipFrame(const Foe& foe) {
+    return CurrentClip(Ops(foe.kind).body(foe.index)).currentFrame + 1;
+}
+
+// The King's dash crosses the arena on its damage frame: all of it ahead of him is in its way.
+bool InKingsDash(const Foe& foe) {
+    if (GetEnemyState(foe.index, foe.kind) != KING_DASH_ATTACK) return false;
+    sf::Vector2f king = Middle(foe.box);
+    bool right = GetEnemySprite(foe.index, foe.kind)->getScale().x < 0;  // drawn facing left
+    return (HeroX() > king.x) == right && std::abs(HeroX() - king.x) < 1200;
+}
+
+// The King's leap: in the air (the two frames before the landing's) it comes down on the aim
+// taken at the take-off, across six tenths of his sprite's width.
+std::optional<float> KingLanding(const Foe& foe) {
+    if (GetEnemyState(foe.index, foe.kind) != KING_JUMP_ATTACK) return std::nullopt;
+    int landing = Ops(foe.kind).body(foe.index).damageFrames[KING_JUMP_ATTACK];
+    int frame = ClipFrame(foe);
+    if (frame < landing - 2 || frame > landing) return std::nullopt;
+    return KingJumpAim(foe.index).x;
+}
+
+constexpr float kLightningHalfWidth = 75;
+
+// The Goddess's lightning falls where she stood on the move's damage frame, a column of its
+// width over the lawn.
+std::optional<float> GoddessLightning(const Foe& foe) {
+    GoddessStatus status = GetGoddessStatus(foe.index);
+    if (status.state != GODDESS_LIGHTNING) return std::nullopt;
+    const EnemyBody& body = Ops(foe.kind).body(foe.index);
+    if (body.current != GODDESS_LIGHTNING ||
+        ClipFrame(foe) < body.damageFrames[GODDESS_LIGHTNING]) {
+        return std::nullopt;
+    }
+    return status.lightningPoint.x;
+}
+
+// The beam between the Goddess's sparks burns a band across the garden, from her spawn's height
+// up; it may come whenever the sparks have reached the garden's sides.
+constexpr float kBeamBand = 200;
+bool BeamComing(const Foe& foe) {
+    GoddessStatus status = GetGoddessStatus(foe.index);
+    return status.sparksArrived || status.beamOn;
+}
+
+// The places where the hero stands clear above the beam's band.
+std::vector<Place> AboveTheBeam(const Foe& foe) {
+    float bandTop = Middle(foe.box).y;
+    for (const EnemySpawn& spawn : CurrentRoom().enemySpawns) {
+        if (spawn.enemyType == ENEMY_GODDESS) bandTop = spawn.position.y - kBeamBand;
+    }
+    std::vector<Place> above, roomy;
+    for (Place place : bot.map->Places()) {
+        if (bot.map->FeetAt(place).y < bandTop - 8) above.push_back(place);
+    }
+    // A tile of floor either side leaves room to step out of the lightning without falling.
+    auto has = [&](Place place) {
+        return std::find(above.begin(), above.end(), place) != above.end();
+    };
+    for (Place place : above) {
+        if (has({place.column - 1, place.row}) && has({place.column + 1, place.row})) {
+            roomy.push_back(place);
+        }
+    }
+    return roomy.empty() ? above : roomy;
+}
+
+// The Goddess is lashing or about to: a flight now would meet the lash in the air, where it
+// cannot be parried.
+bool LashComing() {
+    for (const Foe& foe : LivingFoes()) {
+        if (foe.kind == ENEMY_GODDESS && GetGoddessStatus(foe.index).state == GODDESS_WHIP) {
+            return true;
+        }
+    }
+    return false;
+}
+
+// Where to step out of a blow that cannot be parried (-1 or 1), or 0 when none is coming.
+int DodgeDir() {
+    for (const Foe& foe : LivingFoes()) {
+        if (std::optional<float> bolt = GoddessLightning(foe)) {
+            float clear = kLightningHalfWidth + PlayerBodyBounds().width / 2 + 16;
+            if (std::abs(HeroX() - *bolt) >= clear) continue;
+            // Away from the bolt, onto the side whose floor goes on under the feet past its reach.
+            int away = HeroX() >= *bolt ? 1 : -1;
+            auto floorAt = [&](int dir) {
+                float x = *bolt + float(dir) * (clear + 8);
+                auto place = bot.map->PlaceAt({x, Feet().y});
+                return place && std::abs(bot.map->FeetAt(*place).x - x) <= kTile / 2;
+            };
+            return floorAt(away) || !floorAt(-away) ? away : -away;
+        }
+        if (foe.kind != ENEMY_KING) continue;
+        std::optional<float> aim = KingLanding(foe);
+        if (!aim) continue;
+        float clear = GetEnemySprite(foe.index, foe.kind)->getGlobalBounds().width * 0.3f +
+                      PlayerBodyBounds().width / 2 + 60;
+        if (std::abs(HeroX() - *aim) >= clear) continue;
+        // Away from the aim, or past it when a wall is close behind.
+        int away = HeroX() >= *aim ? 1 : -1;
+        sf::FloatRect arena;
+        for (const EnemyContainer& c : CurrentRoom().enemyContainers) {
+            if (c.id == GetEnemyContainer(foe.index, foe.kind)) arena = c.shape->getGlobalBounds();
+        }
+        float room = away > 0 ? arena.left + arena.width - HeroX() : HeroX() - arena.left;
+        return room > clear ? away : -away;
+    }
+    return 0;
+}
+
+// The Goddess's lash is parryable only on its damage frame: its whole move counts, to see it come.
+bool Parryable(const Foe& foe, int attack) {
+    if (foe.kind == ENEMY_GODDESS) return GetEnemyState(foe.index, foe.kind) == GODDESS_WHIP;
+    return Ops(foe.kind).blow(foe.index, attack).parryable;
+}
+
+// A parryable attack of the foe is at the hero's body, or just short of it.
+bool ParryableAtBody(const Foe& foe) {
+    if (InKingsDash(foe)) return true;
+    if (foe.kind == ENEMY_FLYING_KNIGHT && FlyingKnightAttackKind(foe.index) == KNIGHT_PLUNGE) {
+        return std::abs(FlyingKnightSword(foe.index).getPosition().x - HeroX()) < 120;
+    }
+    sf::FloatRect body = PlayerBodyBounds();
+    body.left -= 50, body.width += 100, body.top -= 20, body.height += 20;
+    int attacks = std::max(1, EnemyAttackCount(foe.index, foe.kind));
+    for (int a = 0; a < attacks; a++) {
+        if (Parryable(foe, a) && GetEnemyAttackBox(foe.index, foe.kind, a).intersects(body)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+// The soonest parryable blow coming at the hero, in seconds.
+std::optional<float> NextBlow() {
+    std::optional<float> soonest;
+    for (const Foe& foe : LivingFoes()) {
+        std::optional<float> when = UntilBlow(foe);
+        if (!when && IsEnemyStriking(foe.index, foe.kind)) when = 0.0f;
+        if (when && ParryableAtBody(foe) && (!soonest || *when < *soonest)) soonest = when;
+    }
+    return soonest;
+}
+
+void RaiseParry() {
+    const Player& player = GetPlayer();
+    Steer(0);
+    if (player.body.state != PLAYER_PARRY &&
+        player.parryCooldownTimer >= player.tuning.parryCooldown) {
+        TapKey(Key(BINDING_PARRY));
+    }
+}
+
+// The blade covers the middle of the foe's body.
+bool InReach(const Foe& foe) {
+    sf::FloatRect blade = PlacePlayerAttackBox();
+    sf::Vector2f middle = Middle(foe.box);
+    float y = std::clamp(middle.y, foe.box.top, foe.box.top + foe.box.height);
+    y = std::clamp(y, blade.top, blade.top + blade.height - 1);
+    return blade.contains(middle.x, y) && foe.box.intersects(blade);
+}
+
+// Steps out of a blow that cannot be parried, parries one about to land; false when neither.
+bool Defend() {
+    if (int away = DodgeDir()) {
+        Steer(away);
+        return true;
+    }
+    std::optional<float> blow = NextBlow();
+    if (blow && *blow <= kParryLead) {
+        RaiseParry();
+        return true;
+    }
+    return false;
+}
+
+// A potion fills the life up to the top of its segment (40, 70, 100): drunk just past a segment's
+// bottom it gives the most, and only with no blow about to land.
+constexpr int kDrinkBelow = 46;
+bool ShouldDrink() {
+    const Player& player = GetPlayer();
+    if (player.potions <= 0 || player.life >= kDrinkBelow || DodgeDir() != 0) return false;
+    std::optional<float> blow = NextBlow();
+    return !blow || *blow > kSwingTime;
+}
+
+// With the Goddess's beam coming, the place to wait it out on: the nearest clear above it.
+std::optional<Place> BeamRefuge() {
+    for (const Foe& foe : LivingFoes()) {
+        if (foe.kind != ENEMY_GODDESS || !BeamComing(foe)) continue;
+        std::optional<Place> best;
+        float bestDistance = 1e9f;
+        for (Place place : AboveTheBeam(foe)) {
+            sf::Vector2f off = bot.map->FeetAt(place) - Feet();
+            float distance = std::hypot(off.x, off.y);
+            if (distance < bestDistance) bestDistance = distance, best = place;
+        }
+        return best;
+    }
+    return std::nullopt;
+}
+
+// Fights the nearest enemy on the hero's level (any, when `seek`); false when there is none
+// worth fighting. Parries the blows coming, strikes when no blow lands before the cut.
+bool Fight(bool seek, bool hold = false) {
     sf::FloatRect body = PlayerBodyBounds();
     sf::Vector2f me = Middle(body);
     std::optional<Foe> nearest;
@@ -389,38 +667,44 @@ bool Fight(bool seek) {
     }
     if (!nearest) return false;
     const Player& player = GetPlayer();
-    if (BlowComing()) {
+    if (Defend()) return true;
+    std::optional<float> blow = NextBlow();
+    if (hold) {
         Steer(0);
-        if (player.parryCooldownTimer >= player.tuning.parryCooldown) {
-            TapKey(Key(BINDING_PARRY));
-        }
-        return true;
-    }
-    float dx = Middle(nearest->box).x - me.x;
-    int dir = dx > 0 ? 1 : -1;
-    bool melee = nearest->kind == ENEMY_TRASH || nearest->kind == ENEMY_NOMAD ||
-                 nearest->kind == ENEMY_KING || nearest->kind == ENEMY_FLYING_KNIGHT;
-    if (melee && Attacking(*nearest) && std::abs(dx) < 400) {
-        Steer(0);  // wait for the swing to pass, ready to parry
-        return true;
-    }
-    if (PlacePlayerAttackBox().intersects(nearest->box)) {
-        Steer(0);
-        if (bot.attackWait-- <= 0) {
+        if (InReach(*nearest) && (!blow || *blow > kSwingTime) && bot.attackWait-- <= 0) {
             Attack();
             bot.attackWait = 6;
         }
         return true;
     }
+    float dx = Middle(nearest->box).x - me.x;
+    int dir = dx > 0 ? 1 : -1;
+    // Parries and hits push the hero back: off a ledge's edge he steps in again first.
+    if (EdgeBehind(dir) && !player.body.blocked[dir > 0 ? CONTACT_RIGHT : CONTACT_LEFT]) {
+        Steer(dir);
+        return true;
+    }
+    if (InReach(*nearest)) {
+        Steer(0);
+        if ((!blow || *blow > kSwingTime) && bot.attackWait-- <= 0) {
+            Attack();
+            bot.attackWait = 6;
+        }
+        return true;
+    }
+    if (blow && *blow < kSwingTime + 0.3f) {
+        Steer(0);  // wait for the blow, ready to parry
+        return true;
+    }
+    // A step or a wall between: the route planner takes over.
+    if (player.body.blocked[dir > 0 ? CONTACT_RIGHT : CONTACT_LEFT]) return false;
     if (PlayerFacingRight() != (dir > 0) && std::abs(dx) > 30) {
-        if (player.body.blocked[dir > 0 ? CONTACT_RIGHT : CONTACT_LEFT]) return false;
         Steer(dir);
         return true;
     }
     // Step closer while the floor goes on that way.
-    auto ahead = bot.map->PlaceAt(Feet() + sf::Vector2f(float(dir) * 60, 0));
-    if (!ahead) return false;
-    Steer(ahead ? dir : 0);
+    if (!bot.map->PlaceAt(Feet() + sf::Vector2f(float(dir) * 60, 0))) return false;
+    Steer(dir);
     return true;
 }
 
@@ -476,6 +760,10 @@ bool Navigate(Place goal, int door, const std::string& goalName) {
     float takeOff = how.drop ? bot.map->FeetAt(step.from).x : bot.map->TakeOffX(step.from, how.dir);
     float ahead = (takeOff - x) * float(how.dir);
     if (how.drop ? std::abs(takeOff - x) < 30 : (ahead <= 12 && ahead >= -10)) {
+        if (LashComing()) {
+            Steer(0);
+            return true;
+        }
         if (how.kind != ReachMove::JUMP && how.kind != ReachMove::RUN_JUMP) Steer(0);
         StartFlight(step, takeOff);
         FlyOn();
@@ -594,15 +882,24 @@ std::string PlayGoal(const AutoplayGoal& goal, float deadline, float roomStart) 
             continue;
         }
         if (!OnGround()) {
-            Steer(0);
+            Steer(DodgeDir());
             int state = GetPlayer().body.state;
             bool swinging = state >= PLAYER_LIGHT_ATTACK_1 && state <= PLAYER_LIGHT_ATTACK_3;
-            if (swinging && BlowComing()) TapKey(Key(BINDING_PARRY));
+            std::optional<float> blow = NextBlow();
+            if (swinging && blow && *blow <= kParryLead) TapKey(Key(BINDING_PARRY));
             Frame();
             continue;
         }
-        bool fought = goal.kind == AutoplayGoal::KILL ? Fight(true) : Fight(false);
-        if (!fought) {
+        if (ShouldDrink()) TapKey(Key(BINDING_HEAL));
+        std::optional<Place> refuge = goal.kind == AutoplayGoal::KILL ? BeamRefuge() : std::nullopt;
+        auto standing = bot.map->PlaceAt(Feet());
+        bool sheltered = refuge && standing && *standing == *refuge;
+        bool fought =
+            refuge && !sheltered ? Defend() : Fight(goal.kind == AutoplayGoal::KILL, sheltered);
+        if (refuge && !sheltered && !fought) {
+            if (!Navigate(*refuge, -1, "above the beam"))
+                return Stuck(goal, roomStart, "no way above the beam");
+        } else if (!fought) {
             bool known = true;
             auto place = GoalPlace(goal);
             auto here = bot.map->PlaceAt(Feet());
@@ -649,6 +946,7 @@ std::string PlayGoal(const AutoplayGoal& goal, float deadline, float roomStart) 
 
 void StartAutoplayer(AppWindow& window) {
     app = &window;
+    knightAttacks.clear();
     playClock = 0;
     held.clear();
     bot = Bot();
@@ -676,15 +974,32 @@ std::string AutoplayRoomGoals(const AutoplayRoom& plan) {
 std::string AutoplayEnding(float seconds) {
     ReleaseAll();
     float deadline = playClock + seconds;
+    bool shown = false;  // the ending's own screen, not just any way back to the menu
     while (GetGameState() == GAME_STATE_GAME) {
         if (playClock > deadline) {
             return std::string("the ending did not reach the title menu in ") +
                    std::to_string(int(seconds)) + " s (" +
                    (EndingRunning() ? "the ending runs" : "no ending") + ")";
         }
+        shown = shown || EndingScreenShown();
         Frame();
     }
-    return "";
+    return shown ? "" : "the game left for the title menu without its ending";
+}
+
+void AutoplayEnterRoom(int room, int fromRoom, int abilities) {
+    ::Abilities& owned = Save().abilities;
+    owned.canDash = (abilities & REACH_DASH) != 0;
+    owned.canRun = (abilities & REACH_RUN) != 0;
+    owned.CanCreatePlatform = (abilities & REACH_CLOUD) != 0;
+    CleanupRoom();
+    LoadNextTargetRoom(*app->window, room);
+    int door = DoorTo(fromRoom);
+    for (const DoorSpawn& spawn : CurrentRoom().doorSpawns) {
+        if (spawn.linkedDoorId == door) SetPlayerPosition(spawn.position);
+    }
+    bot = Bot();
+    for (int i = 0; i < 30; i++) Frame();
 }
 
 float AutoplayClock() {

@@ -32,5 +32,9 @@ std::string AutoplayRoomGoals(const AutoplayRoom& plan);
 // menu; empty on success.
 std::string AutoplayEnding(float seconds);
 
+// Carries the hero into `room` as if through its door from `fromRoom`, with the abilities given
+// (REACH_* bits): to work on a later stretch of the route without playing the ones before.
+void AutoplayEnterRoom(int room, int fromRoom, int abilities);
+
 // Seconds of game time played so far.
 float AutoplayClock();

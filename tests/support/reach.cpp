@@ -153,9 +153,10 @@ ReachMap::ReachMap(const Room& room, Margin margin, const PlayerTuning& tuning)
     : room_(room), margin_(margin), moves_(MovesFor(margin, tuning)) {
     sf::FloatRect bounds = room.cameraContainer ? room.cameraContainer->getGlobalBounds()
                                                 : sf::FloatRect(0, 0, kTile, kTile);
-    origin_ = {bounds.left, bounds.top};
-    columns_ = int(std::ceil(bounds.width / kTile));
-    rows_ = int(std::ceil(bounds.height / kTile));
+    // The cells lie on the map's tiles whatever the view's bounds: a view need not end on a tile.
+    origin_ = {std::floor(bounds.left / kTile) * kTile, std::floor(bounds.top / kTile) * kTile};
+    columns_ = int(std::ceil((bounds.left + bounds.width - origin_.x) / kTile));
+    rows_ = int(std::ceil((bounds.top + bounds.height - origin_.y) / kTile));
     cells_.assign(size_t(columns_ * rows_), OPEN);
     // Locked doors count as open: the fights that shut them open them again.
     for (const Collision& collision : room.collisions) {
