@@ -255,13 +255,14 @@ class Game:
 
     # --- Playing ----------------------------------------------------------------------------
 
-    def play(self):
-        """Presses PLAY on the title menu and waits until the hero stands in the loaded room."""
+    def play(self, at_rest=True):
+        """Presses PLAY on the title menu and waits until the room is loaded and, unless told
+        otherwise, the hero stands in it (seen at the normal zoom only)."""
         self.wait_for_line("Load Menu\n")
         self.find_window()
         self.click(200, 594)  # PLAY
         self.wait_for_line(LOADED_ROOM)
-        return self.wait_for_hero_at_rest()
+        return self.wait_for_hero_at_rest() if at_rest else None
 
     def wait_exit(self, timeout=PATIENCE):
         try:
