@@ -13,8 +13,8 @@
 namespace {
 
 int currentRoom = 0;
-// The last room fitted the view to itself: the next room gets the normal framing back. The shaft
-// (room 12) does so at the end of its long ride, its container being as wide as the ride's view.
+// The last room fitted the view to itself: the next room gets the normal framing back. So does the
+// room after the shaft (room 12), left while its long ride's wide view was still out.
 bool viewFitted = false;
 const sf::Vector2f kNormalViewSize(1920, 1080);
 
