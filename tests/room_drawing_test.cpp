@@ -1,10 +1,13 @@
-// Two shortcuts of the room's drawing that must never change the picture, checked on real rooms
-// everywhere the camera goes: backdrops left out where opaque tiles cover them, and each tile
-// layer drawn as one picture of its still tiles with its animated tiles over it.
+// Shortcuts of the room's drawing that must never change the picture, checked on real rooms
+// everywhere the camera goes: backdrops left out where opaque tiles or nearer backdrops cover
+// them, and each tile layer drawn as one picture of its still tiles with its animated tiles over
+// it.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 #include <memory>
+#include <vector>
 
 #include "support/game_fixture.h"
 #include "world/room_draw.h"
@@ -29,28 +32,39 @@ protected:
         return canvas.getTexture().copyToImage();
     }
 
-    // Counts the texels (every other one) that differ between two drawings of the room at six
-    // places spread over it, `change` being made before the second and undone after it.
-    int Differences(const std::function<void()>& change, const std::function<void()>& undo) {
-        sf::FloatRect bounds = CurrentRoom().cameraContainer->getGlobalBounds();
+    // Counts the texels (every other one) that differ between two drawings of the room at each
+    // of `centers`, `change` being made before the second and undone after it. With `walking`
+    // the view goes from one centre to the next as the camera would, and the backdrops slide
+    // by their parallax; otherwise they stay where they are.
+    int Differences(const std::vector<sf::Vector2f>& centers, bool walking,
+                    const std::function<void()>& change, const std::function<void()>& undo) {
         int differing = 0;
-        for (float fx : {0.2f, 0.5f, 0.8f}) {
-            for (float fy : {0.25f, 0.75f}) {
-                sf::Vector2f center(bounds.left + fx * bounds.width,
-                                    bounds.top + fy * bounds.height);
-                LastViewCenter() = center;
-                sf::Image shortcut = Drawn(center);
-                change();
-                sf::Image plain = Drawn(center);
-                undo();
-                for (unsigned y = 0; y < 360; y += 2) {
-                    for (unsigned x = 0; x < 640; x += 2) {
-                        differing += shortcut.getPixel(x, y) != plain.getPixel(x, y);
-                    }
+        for (sf::Vector2f center : centers) {
+            if (!walking) LastViewCenter() = center;
+            sf::Image shortcut = Drawn(center);
+            change();
+            sf::Image plain = Drawn(center);
+            undo();
+            for (unsigned y = 0; y < 360; y += 2) {
+                for (unsigned x = 0; x < 640; x += 2) {
+                    differing += shortcut.getPixel(x, y) != plain.getPixel(x, y);
                 }
             }
         }
         return differing;
+    }
+
+    // Six places spread over the room.
+    int Differences(const std::function<void()>& change, const std::function<void()>& undo) {
+        sf::FloatRect bounds = CurrentRoom().cameraContainer->getGlobalBounds();
+        std::vector<sf::Vector2f> centers;
+        for (float fx : {0.2f, 0.5f, 0.8f}) {
+            for (float fy : {0.25f, 0.75f}) {
+                centers.push_back(
+                    {bounds.left + fx * bounds.width, bounds.top + fy * bounds.height});
+            }
+        }
+        return Differences(centers, false, change, undo);
     }
 };
 
@@ -64,6 +78,41 @@ TEST_F(RoomDrawing, BackdropsBehindOpaqueTilesAreNeverMissed) {
         // Without the cover every backdrop piece in view is drawn.
         EXPECT_EQ(Differences([&] { room.coverColumns = 0; }, [&] { room.coverColumns = columns; }),
                   0);
+    }
+}
+
+// The far backdrops are left out where a nearer one's solid texels hide them. The layers slide
+// apart as the camera walks, so the test walks it across the room, in steps no multiple of a
+// piece, and through the shaft's tall backdrops.
+TEST_F(RoomDrawing, BackdropsBehindNearerBackdropsAreNeverMissed) {
+    for (int number : {2, 12, 16, 23}) {
+        SCOPED_TRACE("room " + std::to_string(number));
+        Enter(number);
+        Room& room = CurrentRoom();
+        int solid = 0;
+        for (size_t i = 0; i + 1 < room.backgrounds.size(); i++) {
+            solid +=
+                room.backgrounds[i].solid.sums.empty() ? 0 : room.backgrounds[i].solid.sums.back();
+        }
+        ASSERT_GT(solid, 0) << "no nearer backdrop hides anything";
+        sf::FloatRect bounds = room.cameraContainer->getGlobalBounds();
+        std::vector<sf::Vector2f> centers;
+        LastViewCenter() = {bounds.left + 960, bounds.top + 540};
+        for (float f = 0; f <= 1; f += 0.125f) {
+            centers.push_back({bounds.left + 960 + f * std::max(0.0f, bounds.width - 1920) + 7 * f,
+                               bounds.top + 540 + f * std::max(0.0f, bounds.height - 1080)});
+        }
+        std::vector<TexelTable> tables;
+        auto forget = [&] {
+            for (Background& b : room.backgrounds) tables.push_back(std::move(b.solid));
+        };
+        auto giveBack = [&] {
+            for (size_t i = 0; i < room.backgrounds.size(); i++) {
+                room.backgrounds[i].solid = std::move(tables[i]);
+            }
+            tables.clear();
+        };
+        EXPECT_EQ(Differences(centers, true, forget, giveBack), 0);
     }
 }
 

@@ -81,13 +81,21 @@ struct DeathZone {
     ShapePtr shape;
 };
 
+// How many texels of a picture pass a test, above and left of every texel: any rectangle's
+// count in constant time. (width + 1) x (height + 1) sums.
+struct TexelTable {
+    std::vector<int> sums;
+    int width = 0, height = 0;
+};
+
 struct Background {
     TexturePtr texture;
     SpritePtr sprite;  // places the backdrop; what is drawn is `pieces`, in the sprite's frame
     // The parts of the sprite that are not wholly transparent, as textured quads: most of a
     // backdrop is empty sky, and a software renderer pays for every texel it blends.
     sf::VertexArray pieces{sf::Quads};
-    int opaque = 0;  // no texel lets anything through: copied, not blended
+    int opaque = 0;    // no texel lets anything through: copied, not blended
+    TexelTable solid;  // its texels that let nothing through, hiding the backdrops behind
     float parallaxX = 0, parallaxY = 0;
     int loopX = 0, loopY = 0, followY = 0;
 };

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
+#include <iterator>
 #include <map>
 #include <set>
 #include <vector>
@@ -28,8 +30,12 @@ sf::FloatRect VisibleArea(const sf::RenderTarget& target) {
     return sf::FloatRect(center.x - size.x / 2, center.y - size.y / 2, size.x, size.y);
 }
 
+// Whether a piece of the world need not be drawn, being hidden by what is drawn after it.
+using HiddenTest = std::function<bool(const sf::FloatRect&)>;
+
 void DrawPiecesInView(sf::RenderTarget& target, const sf::VertexArray& pieces,
-                      sf::RenderStates states, const sf::FloatRect& visible, bool leaveCovered);
+                      sf::RenderStates states, const sf::FloatRect& visible,
+                      const HiddenTest& hidden);
 
 // A layer's still tiles as one picture, then its animated ones; or every tile, one by one, when
 // the layer could not be made into a picture.
@@ -42,7 +48,8 @@ void DrawTiles(sf::RenderTarget& target, const RoomLayer& layer, const sf::Float
     }
     sf::RenderStates states(&layer.still->getTexture());
     states.transform.scale(CurrentRoom().scale, CurrentRoom().scale);
-    DrawPiecesInView(target, layer.stillPieces, states, visible, false);
+    DrawPiecesInView(target, layer.stillPieces, states, visible,
+                     [](const sf::FloatRect&) { return false; });
     for (int index : layer.animatedTiles) {
         const sf::Sprite& tile = layer.tiles[size_t(index)];
         if (visible.intersects(tile.getGlobalBounds())) target.draw(tile);
@@ -60,45 +67,63 @@ void DrawLayersNamed(sf::RenderTarget& target, const char* name) {
 constexpr int kPieceTexels = 16;
 constexpr int kPieceRun = 8;
 
-// Counts the texels with some alpha in any rectangle of a picture, wrapped round its edges, in
-// constant time: a table of the counts above and left of every texel.
-struct ShowingTexels {
-    std::vector<int> sums;  // (width + 1) x (height + 1)
-    int width = 0, height = 0;
+// Counts the texels whose alpha is at least `minAlpha`.
+TexelTable CountTexels(const sf::Image& image, int minAlpha) {
+    TexelTable table;
+    table.width = int(image.getSize().x);
+    table.height = int(image.getSize().y);
+    int stride = table.width + 1;
+    table.sums.assign(size_t(stride) * size_t(table.height + 1), 0);
+    const sf::Uint8* pixels = image.getPixelsPtr();
+    for (int y = 0; y < table.height; y++) {
+        for (int x = 0; x < table.width; x++) {
+            int counts = pixels[4 * (size_t(y) * size_t(table.width) + size_t(x)) + 3] >= minAlpha;
+            table.sums[size_t((y + 1) * stride + x + 1)] =
+                counts + table.sums[size_t((y + 1) * stride + x)] +
+                table.sums[size_t(y * stride + x + 1)] - table.sums[size_t(y * stride + x)];
+        }
+    }
+    return table;
+}
 
-    explicit ShowingTexels(const sf::Image& image)
-        : width(int(image.getSize().x)), height(int(image.getSize().y)) {
-        sums.assign(size_t(width + 1) * size_t(height + 1), 0);
-        const sf::Uint8* pixels = image.getPixelsPtr();
-        for (int y = 0; y < height; y++) {
-            for (int x = 0; x < width; x++) {
-                int shows = pixels[4 * (size_t(y) * size_t(width) + size_t(x)) + 3] > 0;
-                At(x + 1, y + 1) = shows + At(x, y + 1) + At(x + 1, y) - At(x, y);
-            }
+int CountInside(const TexelTable& table, int left, int top, int right, int bottom) {
+    auto at = [&](int x, int y) { return table.sums[size_t(y * (table.width + 1) + x)]; };
+    return at(right, bottom) - at(left, bottom) - at(right, top) + at(left, top);
+}
+
+// The count in a rectangle no larger than the picture, anywhere: split where it wraps round the
+// picture's edges, as a repeated texture does.
+int CountWrapped(const TexelTable& table, int left, int top, int w, int h) {
+    if (table.width == 0 || table.height == 0) return 0;
+    left = (left % table.width + table.width) % table.width;
+    top = (top % table.height + table.height) % table.height;
+    int count = 0;
+    for (int y0 = top, hLeft = h; hLeft > 0; y0 = 0) {
+        int rows = std::min(hLeft, table.height - y0);
+        for (int x0 = left, wLeft = w; wLeft > 0; x0 = 0) {
+            int columns = std::min(wLeft, table.width - x0);
+            count += CountInside(table, x0, y0, x0 + columns, y0 + rows);
+            wLeft -= columns;
         }
+        hLeft -= rows;
     }
-    int& At(int x, int y) { return sums[size_t(y) * size_t(width + 1) + size_t(x)]; }
-    int Inside(int left, int top, int right, int bottom) {
-        return At(right, bottom) - At(left, bottom) - At(right, top) + At(left, top);
-    }
-    // A rectangle no larger than the picture, anywhere: split where it wraps.
-    bool Any(int left, int top, int w, int h) {
-        if (width == 0 || height == 0) return false;
-        left = (left % width + width) % width;
-        top = (top % height + height) % height;
-        int count = 0;
-        for (int y0 = top, hLeft = h; hLeft > 0; y0 = 0) {
-            int rows = std::min(hLeft, height - y0);
-            for (int x0 = left, wLeft = w; wLeft > 0; x0 = 0) {
-                int columns = std::min(wLeft, width - x0);
-                count += Inside(x0, y0, x0 + columns, y0 + rows);
-                wLeft -= columns;
-            }
-            hLeft -= rows;
-        }
-        return count > 0;
-    }
-};
+    return count;
+}
+
+// Whether the solid texels of a nearer backdrop wholly cover `area` of the world.
+bool HiddenBehind(const Background& nearer, const sf::FloatRect& area) {
+    if (!nearer.sprite || nearer.solid.sums.empty()) return false;
+    sf::FloatRect local = nearer.sprite->getInverseTransform().transformRect(area);
+    sf::IntRect rect = nearer.sprite->getTextureRect();
+    int x0 = int(std::floor(local.left)), x1 = int(std::ceil(local.left + local.width));
+    int y0 = int(std::floor(local.top)), y1 = int(std::ceil(local.top + local.height));
+    if (x0 < 0 || y0 < 0 || x1 > std::abs(rect.width) || y1 > std::abs(rect.height)) return false;
+    int w = x1 - x0, h = y1 - y0;
+    if (w > nearer.solid.width || h > nearer.solid.height) return false;
+    int left = rect.width < 0 ? rect.left - x1 : rect.left + x0;
+    int top = rect.height < 0 ? rect.top - y1 : rect.top + y0;
+    return CountWrapped(nearer.solid, left, top, w, h) == w * h;
+}
 
 bool AllOpaque(const sf::Image& image) {
     const sf::Uint8* pixels = image.getPixelsPtr();
@@ -130,7 +155,7 @@ void AppendPiece(sf::VertexArray& pieces, sf::FloatRect local, sf::IntRect rect,
 void CutIntoPieces(const sf::Image& image, sf::IntRect rect, bool opaque, int maxRun,
                    sf::VertexArray& pieces) {
     sf::Vector2f size(float(std::abs(rect.width)), float(std::abs(rect.height)));
-    ShowingTexels showing(image);
+    TexelTable showing = CountTexels(image, 1);
     for (int y = 0; y < int(size.y); y += kPieceTexels) {
         float height = std::min(float(kPieceTexels), size.y - float(y));
         int runStart = -1, runLength = 0;
@@ -146,7 +171,7 @@ void CutIntoPieces(const sf::Image& image, sf::IntRect rect, bool opaque, int ma
             // The texels under the square, whichever way the rectangle runs.
             int left = rect.width < 0 ? rect.left - x - width : rect.left + x;
             int top = rect.height < 0 ? rect.top - y - int(height) : rect.top + y;
-            if (!opaque && !showing.Any(left, top, width, int(height))) {
+            if (!opaque && CountWrapped(showing, left, top, width, int(height)) == 0) {
                 endRun(x);
                 continue;
             }
@@ -160,12 +185,13 @@ void CutIntoPieces(const sf::Image& image, sf::IntRect rect, bool opaque, int ma
 
 // The pieces of a picture drawn in the frame `transform` gives them, those in view only.
 void DrawPiecesInView(sf::RenderTarget& target, const sf::VertexArray& pieces,
-                      sf::RenderStates states, const sf::FloatRect& visible, bool leaveCovered) {
+                      sf::RenderStates states, const sf::FloatRect& visible,
+                      const HiddenTest& hidden) {
     shownPieces.clear();
     for (size_t i = 0; i + 3 < pieces.getVertexCount(); i += 4) {
         sf::FloatRect world = states.transform.transformRect(
             {pieces[i].position, pieces[i + 2].position - pieces[i].position});
-        if (!visible.intersects(world) || (leaveCovered && BackdropsHiddenIn(world))) continue;
+        if (!visible.intersects(world) || hidden(world)) continue;
         for (size_t v = i; v < i + 4; v++) shownPieces.append(pieces[v]);
     }
     target.draw(shownPieces, states);
@@ -229,6 +255,7 @@ void BuildBackgroundPieces(Background& background) {
     if (!background.texture || !background.sprite) return;
     sf::Image image = background.texture->copyToImage();
     background.opaque = AllOpaque(image);
+    background.solid = CountTexels(image, 255);
     // Short runs, so that the ones behind opaque tiles can be left out.
     CutIntoPieces(image, background.sprite->getTextureRect(), background.opaque, kPieceRun,
                   background.pieces);
@@ -343,8 +370,16 @@ bool BackdropsHiddenIn(sf::FloatRect area) {
 void DrawRoomBackgrounds(sf::RenderTarget& target) {
     const Room& room = CurrentRoom();
     sf::FloatRect visible = VisibleArea(target);
+    // The farthest first. A piece is left out behind opaque tiles or a nearer backdrop's solid
+    // texels: city silhouettes hide much of the sky.
     for (auto it = room.backgrounds.rbegin(); it != room.backgrounds.rend(); ++it) {
         if (!it->sprite) continue;
+        auto nearer = std::next(it);
+        auto hidden = [&](const sf::FloatRect& area) {
+            if (BackdropsHiddenIn(area)) return true;
+            return std::any_of(nearer, room.backgrounds.rend(),
+                               [&](const Background& b) { return HiddenBehind(b, area); });
+        };
         // Backgrounds are never tinted: the plain copy fills faster, and an opaque one need not
         // be blended at all. Only the pieces in view and not behind opaque tiles are drawn.
         sf::RenderStates states;
@@ -352,7 +387,7 @@ void DrawRoomBackgrounds(sf::RenderTarget& target) {
         states.texture = it->texture.get();
         states.transform = it->sprite->getTransform();
         if (it->opaque) states.blendMode = sf::BlendNone;
-        DrawPiecesInView(target, it->pieces, states, visible, true);
+        DrawPiecesInView(target, it->pieces, states, visible, hidden);
     }
     DrawLayersNamed(target, "Background");
 }
