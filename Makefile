@@ -17,7 +17,7 @@ FUZZ_TIME     ?= 3600
 
 SUDO := $(shell [ "$$(id -u)" = 0 ] || echo sudo)
 
-.PHONY: all build run test fuzz bench assets deps-run deps-test deps-fuzz clean
+.PHONY: all build run test test-build soak fuzz bench assets deps-run deps-test deps-fuzz clean
 
 all: build
 
@@ -46,12 +46,19 @@ build: deps-run
 run: build
 	./$(BUILD)/ombrith
 
-test: deps-test build
+test-build: deps-test build
 	cmake -S . -B $(TEST_BUILD) -DCMAKE_BUILD_TYPE=Debug -DOV_SANITIZE=ON -DOV_TESTS=ON \
 	      -DOV_GAME_BINARY=$(CURDIR)/$(BUILD)/ombrith >/dev/null
 	cmake --build $(TEST_BUILD) -j $(JOBS)
+
+test: test-build
 	cd $(TEST_BUILD) && xvfb-run -a -s "-screen 0 1920x1080x24" env ALSOFT_DRIVERS=null \
 	    ctest --output-on-failure -LE soak
+
+# A thousand room changes in one game under the sanitizers: about a quarter of an hour.
+soak: test-build
+	cd $(TEST_BUILD) && xvfb-run -a -s "-screen 0 1920x1080x24" env ALSOFT_DRIVERS=null \
+	    ctest --output-on-failure -L soak
 
 # Each file reader fuzzed for $(FUZZ_RUNS) runs (or $(FUZZ_TIME) seconds, whichever comes first)
 # from its committed seeds, at the least priority (findings go to docs/fuzzing.md). New inputs
