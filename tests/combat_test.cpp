@@ -11,6 +11,7 @@
 #include "support/hero_fixture.h"
 #include "world/doors.h"
 #include "world/tiled.h"
+#include "world/transition.h"
 
 namespace {
 
@@ -245,6 +246,23 @@ TEST_F(CombatTest, ATrashStrikeCostsTwelveAndGodModeTakesNothingButStillFlashes)
     EXPECT_FALSE(hurt);
     EXPECT_TRUE(flashed);
     EXPECT_EQ(GetPlayer().life, 88);
+}
+
+// A blow as the hero steps into a door would kill him there, and the walk through the door
+// would carry him on, standing, at no life.
+TEST_F(CombatTest, NoBlowLandsWhileTheHeroWalksThroughADoor) {
+    AddTrashEnemy({560, kFloor}, 1, 0);
+    GetPlayer().life = 1;
+    sf::Vector2f target(GetPlayerPosition().x, kFloor - 90);
+    for (int i = 0; i < 300 && !IsEnemyStriking(0, ENEMY_TRASH); i++) UpdateEnemies(kDt, target);
+    ASSERT_TRUE(IsEnemyStriking(0, ENEMY_TRASH));
+    Transition().transitionActive = 1;
+    EnemiesHitPlayer();
+    Transition().transitionActive = 0;
+    EXPECT_EQ(GetPlayer().life, 1);
+    EXPECT_NE(State(), PLAYER_DEAD);
+    EnemiesHitPlayer();  // out of the door, the same blow lands
+    EXPECT_LE(GetPlayer().life, 0);
 }
 
 TEST_F(CombatTest, AParriedStrikeTurnsTheHeroSparksAndCostsNothing) {

@@ -22,6 +22,7 @@
 #include "player/player_combat.h"
 #include "world/camera.h"
 #include "world/room.h"
+#include "world/transition.h"
 
 namespace {
 
@@ -198,7 +199,8 @@ void DrawEnemies(sf::RenderTarget& target, bool drawMain, bool drawBack) {
 
 void EnemiesHitPlayer() {
     Player& player = GetPlayer();
-    if (!player.created) return;
+    // Walking through a door the hero is out of the fight: the walk would carry a fallen hero on.
+    if (!player.created || Transition().transitionActive) return;
     sf::FloatRect body = PlayerBodyBounds();
     for (int kind = 0; kind < ENEMY_KIND_COUNT; kind++) {
         for (int i = 0; i < EnemyCount(kind); i++) {
