@@ -251,6 +251,19 @@ TEST_F(MerchantTest, TheMenuUnfoldsAndBuyOpensTheShopPanel) {
     EXPECT_LT(sum(inside), sum(under) / 2 + 2);
 }
 
+// The pointer may rest on BUY since before the menu unfolded, with no move to tell the menu.
+TEST_F(MerchantTest, AClickOnBuyOpensTheShopThoughThePointerNeverMoved) {
+    OpenMenu();
+    Frames(2);
+    sf::Vector2f at = ToScreen(GetMerchantMenu().buttons[MERCHANT_BUY].shape->getPosition());
+    sf::Event press;
+    press.type = sf::Event::MouseButtonPressed;
+    press.mouseButton = {sf::Mouse::Left, int(at.x), int(at.y)};
+    InputScriptEvent(press);
+    Frames(1);
+    EXPECT_EQ(Overlays().shopOpen, 1);
+}
+
 TEST_F(MerchantTest, EscapeClosesTheShopThenTheMenu) {
     OpenShopByClick();
     PressEscape();

@@ -255,6 +255,14 @@ void GameButtonPressed(sf::RenderWindow& window, unsigned button) {
 
 // The pause and the map are pointed at on their 1920 x 1080 canvas, the world's menus in world
 // coordinates. The map covers everything: the menus behind it are out of reach.
+// What the pointer is over among the world's menus and the shop.
+void PointAtWorldMenus(sf::Vector2f screen) {
+    const sf::View* view = GameView();
+    if (view && Overlays().checkpointMenuOpen) HoverCheckpointMenu(ScreenToWorld(*view, screen));
+    if (view && Overlays().merchantMenuOpen) HoverMerchantMenu(ScreenToWorld(*view, screen));
+    if (Overlays().shopOpen) HoverShop(screen);
+}
+
 void GameMouseMoved(const sf::RenderWindow& window, const sf::Event& event) {
     sf::Vector2f screen = MenuPointer(window, event.mouseMove.x, event.mouseMove.y);
     if (Overlays().pauseOpen) HoverPauseButtons(screen);
@@ -262,10 +270,7 @@ void GameMouseMoved(const sf::RenderWindow& window, const sf::Event& event) {
         MapPointerMoved(screen);
         return;
     }
-    const sf::View* view = GameView();
-    if (view && Overlays().checkpointMenuOpen) HoverCheckpointMenu(ScreenToWorld(*view, screen));
-    if (view && Overlays().merchantMenuOpen) HoverMerchantMenu(ScreenToWorld(*view, screen));
-    if (Overlays().shopOpen) HoverShop(screen);
+    PointAtWorldMenus(screen);
 }
 
 void GameMousePressed(sf::RenderWindow& window, const sf::Event& event) {
@@ -281,6 +286,9 @@ void GameMousePressed(sf::RenderWindow& window, const sf::Event& event) {
                           event.mouseButton.button);
         return;
     }
+    // A click counts where it lands, though the pointer has not moved since a menu unfolded
+    // under it or the view slid beneath it.
+    PointAtWorldMenus(MenuPointer(window, event.mouseButton.x, event.mouseButton.y));
     if (Overlays().checkpointMenuOpen && left) PressCheckpointMenu();
     // The shop first: the click that opens it from the menu buys nothing.
     if (Overlays().shopOpen && left) PressShop();
