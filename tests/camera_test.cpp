@@ -361,3 +361,29 @@ TEST(BackgroundPieces, OpaqueBackdropCoversEverything) {
     EXPECT_TRUE(background.opaque);
     EXPECT_EQ(background.pieces.getBounds(), sf::FloatRect(0, 0, 40, 24));
 }
+
+// Under a view taller than the backdrops the canvas shows the fog they end in: their bottom rows
+// laid over each other, the farthest (last) first; a flipped backdrop ends in its picture's top.
+TEST(BackgroundPieces, TheFootColourIsTheBackdropsBottomRowsLaidOverEachOther) {
+    auto backdrop = [](sf::Color top, sf::Color bottom, bool flipped) {
+        Background background;
+        background.texture = std::make_unique<sf::Texture>();
+        EXPECT_TRUE(background.texture->loadFromImage(
+            MakePicture({8, 4}, [&](unsigned, unsigned y) { return y == 3 ? bottom : top; })));
+        sf::IntRect rect(0, 0, 8, flipped ? -16 : 4);
+        background.sprite = std::make_unique<sf::Sprite>(*background.texture, rect);
+        return background;
+    };
+    std::vector<Background> layers;
+    layers.push_back(backdrop(sf::Color::Transparent, sf::Color(0, 0, 200, 128), false));  // near
+    layers.push_back(backdrop(sf::Color::White, sf::Color(200, 0, 0), false));             // sky
+    sf::Color foot = BackdropFootColor(layers);
+    EXPECT_NEAR(foot.r, 100, 1);
+    EXPECT_NEAR(foot.g, 0, 1);
+    EXPECT_NEAR(foot.b, 100, 1);
+    layers[1] = backdrop(sf::Color(0, 200, 0), sf::Color::White, true);
+    foot = BackdropFootColor(layers);
+    EXPECT_NEAR(foot.r, 0, 1);
+    EXPECT_NEAR(foot.g, 100, 1);
+    EXPECT_EQ(BackdropFootColor({}), sf::Color::Black);
+}

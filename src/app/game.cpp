@@ -273,7 +273,7 @@ void DrawGame(sf::RenderWindow& window) {
     }
     // The world is drawn with the view the window kept from the previous frame.
     sf::View seen = window.getView();
-    DrawWorld(BeginPixelCanvas(window, seen), seen);
+    DrawWorld(BeginPixelCanvas(window, seen, CurrentRoom().backdropFoot), seen);
     PresentPixelCanvas(window);
     // The world's menus stand in the world but are drawn sharp, over the scaled-up canvas.
     window.setView(*GameCamera().view);

@@ -84,7 +84,8 @@ sf::Vector2f SnapToTexelGrid(sf::Vector2f center) {
     return {std::round(center.x / kTexel) * kTexel, std::round(center.y / kTexel) * kTexel};
 }
 
-sf::RenderTarget& BeginPixelCanvas(sf::RenderTarget& window, const sf::View& view) {
+sf::RenderTarget& BeginPixelCanvas(sf::RenderTarget& window, const sf::View& view,
+                                   sf::Color background) {
     canvas.seen = view;
     if (fullResolution) {
         window.setView(view);
@@ -103,7 +104,7 @@ sf::RenderTarget& BeginPixelCanvas(sf::RenderTarget& window, const sf::View& vie
         {0, 0, float(canvas.used.x) / float(capacity.x), float(canvas.used.y) / float(capacity.y)});
     canvas.area = {canvas.snapped - size / 2.0f, size};
     canvas.texture->setView(grid);
-    canvas.texture->clear(sf::Color::Black);
+    canvas.texture->clear(background);
     canvas.target = canvas.texture.get();
     return *canvas.texture;
 }

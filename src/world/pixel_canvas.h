@@ -15,7 +15,9 @@ void DestroyPixelCanvas();
 
 // Prepares a frame seen through `view` and returns the target to draw the world on. The canvas
 // view keeps the view's centre on the texel grid; the remainder is added back when presenting.
-sf::RenderTarget& BeginPixelCanvas(sf::RenderTarget& window, const sf::View& view);
+// It starts as `background` wherever the world will not cover it.
+sf::RenderTarget& BeginPixelCanvas(sf::RenderTarget& window, const sf::View& view,
+                                   sf::Color background = sf::Color::Black);
 // The canvas rectangle in world pixels (for drawings that must cover it, like the fade).
 sf::FloatRect PixelCanvasArea();
 // Scales, rotates and shifts the canvas onto the window so it shows exactly what `view` sees.

@@ -229,6 +229,7 @@ void ReadBackgrounds(const TiledLayer& group) {
         BuildBackgroundPieces(background);
         room.backgrounds.push_back(std::move(background));
     }
+    room.backdropFoot = BackdropFootColor(room.backgrounds);
 }
 
 void ReadMerchant(const TiledLayer& layer) {

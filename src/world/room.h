@@ -145,6 +145,8 @@ struct Room {
     int hasMerchant = 0;
     int region = REGION_FOREST;
     int bossRoom = 0;
+    // The colour the backdrops fade to at their foot: what a view taller than them shows below.
+    sf::Color backdropFoot = sf::Color::Black;
     TexturePtr tilesetTexture;
     std::unique_ptr<sf::CircleShape> proximityCircle;
     float proximityRadius = 0;

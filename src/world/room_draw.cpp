@@ -261,6 +261,33 @@ void BuildBackgroundPieces(Background& background) {
                   background.pieces);
 }
 
+sf::Color BackdropFootColor(const std::vector<Background>& backgrounds) {
+    float color[3] = {0, 0, 0};
+    for (auto it = backgrounds.rbegin(); it != backgrounds.rend(); ++it) {
+        if (!it->texture || !it->sprite) continue;
+        sf::Image image = it->texture->copyToImage();
+        sf::Vector2u size = image.getSize();
+        if (size.x == 0 || size.y == 0) continue;
+        // A backdrop repeated upwards is flipped: its foot on the screen is the picture's top.
+        unsigned row = it->sprite->getTextureRect().height < 0 ? 0 : size.y - 1;
+        float premultiplied[3] = {0, 0, 0}, alpha = 0;
+        for (unsigned x = 0; x < size.x; x++) {
+            sf::Color texel = image.getPixel(x, row);
+            float a = float(texel.a) / 255.0f;
+            premultiplied[0] += float(texel.r) * a;
+            premultiplied[1] += float(texel.g) * a;
+            premultiplied[2] += float(texel.b) * a;
+            alpha += a;
+        }
+        alpha /= float(size.x);
+        for (int c = 0; c < 3; c++) {
+            color[c] = color[c] * (1 - alpha) + premultiplied[c] / float(size.x);
+        }
+    }
+    return sf::Color(sf::Uint8(std::lround(color[0])), sf::Uint8(std::lround(color[1])),
+                     sf::Uint8(std::lround(color[2])));
+}
+
 void FlattenTileLayers() {
     Room& room = CurrentRoom();
     std::set<std::pair<int, int>> animated;

@@ -9,6 +9,9 @@ struct Background;
 // Cuts a backdrop whose sprite is set up (texture rect included, repeats too) into the pieces
 // that hold any visible texel, and notes whether it is opaque all over.
 void BuildBackgroundPieces(Background& background);
+// The backdrops' bottom rows laid over each other, the farthest first (the last of the list), and
+// averaged: the fog they end in, which fills a view taller than they are below them.
+sf::Color BackdropFootColor(const std::vector<Background>& backgrounds);
 // Draws each tile layer's still tiles once into a picture of its own, cut into the pieces that
 // show something: a few hundred tiles become a few dozen quads. Animated tiles stay sprites.
 void FlattenTileLayers();
